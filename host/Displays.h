@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Geometry.h"
+
+namespace host {
+
+/// Identifies a display while it stays connected. 0 is no display's id: it stands for the main one.
+using DisplayId = uint32_t;
+
+/// A view of pixels that a port owns: 32 bits each, the bytes in memory b, g, r, then one undefined byte;
+/// top row first. Valid until the next Picture() of the same port.
+struct Image {
+    const uint8_t* pixels = nullptr;
+    int width = 0;
+    int height = 0;
+    int rowBytes = 0; ///< From one row to the next; at least width * 4.
+};
+
+/// The machine's displays and the pixels they show.
+///
+/// ActiveDisplays, MainDisplay, Bounds and ProductName may be called from any thread. Picture is called by one
+/// thread at a time: its callers serialise themselves, since they share the pixels that it returns.
+class Displays {
+  public:
+    virtual ~Displays() = default;
+
+    /// Fills \p ids with the displays in use, in the machine's order. 0, or -1 when they can't be listed.
+    virtual int ActiveDisplays(std::vector<DisplayId>& ids) = 0;
+
+    /// The display that carries the desktop's origin; 0 when there is none.
+    virtual DisplayId MainDisplay() = 0;
+
+    /// The place of a display; an empty rectangle for an unknown id.
+    virtual Rect Bounds(DisplayId id) = 0;
+
+    /// What the display is called, in UTF-8; empty when the machine doesn't know.
+    virtual std::string ProductName(DisplayId id) = 0;
+
+    /// The pixels of \p area as the screen shows them now, without the pointer. Places outside of every display
+    /// are black. \p image may have more pixels than the area (a scaled display), never fewer.
+    /// 0, or -1 without a picture: an empty or absurd area, or a machine whose displays went away.
+    virtual int Picture(const Rect& area, Image& image) = 0;
+};
+
+} // namespace host

@@ -1,0 +1,22 @@
+#pragma once
+
+/// \file
+/// Plain shapes that the ports exchange. The logic above a port truncates them to whole pixels.
+
+namespace host {
+
+/// A position in desktop coordinates: pixels, origin at the main display's left top corner, y downwards.
+struct Point {
+    double x = 0;
+    double y = 0;
+};
+
+/// A rectangle in desktop coordinates, right and bottom edges exclusive (x + width, y + height).
+struct Rect {
+    double x = 0;
+    double y = 0;
+    double width = 0;
+    double height = 0;
+};
+
+} // namespace host

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <memory>
+
+#include "Clock.h"
+#include "Displays.h"
+#include "PictureExporter.h"
+#include "Pointer.h"
+#include "RunLoop.h"
+
+namespace host {
+
+/// The machine as the program sees it: one object that bundles the ports.
+///
+/// It is installed once, before anything uses it, and outlives everything that does. Most objects of the program
+/// are made by functions without arguments and reach their ports through Current().
+class Host {
+  public:
+    virtual ~Host() = default;
+
+    /// What this host is called on the command line, as in "x11".
+    virtual const char* Name() const = 0;
+
+    virtual Displays& DisplaysPort() = 0;
+    virtual Pointer& PointerPort() = 0;
+    virtual Clock& ClockPort() = 0;
+    virtual RunLoop& RunLoopPort() = 0;
+
+    /// A new exporter for pictures of this geometry; null if the machine has none or refuses the geometry.
+    virtual std::unique_ptr<PictureExporter> NewPictureExporter(int width, int height, int rowBytes) = 0;
+
+    /// A new, empty block for the exporters of this host; never null.
+    virtual std::unique_ptr<PictureBlock> NewPictureBlock() = 0;
+
+    /// The installed host. Must not be called before there is one.
+    static Host& Current() { return *gCurrent; }
+
+  private:
+    friend class HostScope;
+    inline static Host* gCurrent = nullptr;
+};
+
+/// Installs a host for a scope: the program's whole run, or one test.
+class HostScope {
+  public:
+    explicit HostScope(Host& newHost) : fPrevious(Host::gCurrent) { Host::gCurrent = &newHost; }
+    ~HostScope() { Host::gCurrent = fPrevious; }
+    HostScope(const HostScope&) = delete;
+    HostScope& operator=(const HostScope&) = delete;
+
+  private:
+    Host* fPrevious;
+};
+
+} // namespace host

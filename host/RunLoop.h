@@ -1,0 +1,26 @@
+#pragma once
+
+#include <functional>
+
+namespace host {
+
+/// The main thread's loop: waits for descriptors and calls who is interested.
+class RunLoop {
+  public:
+    virtual ~RunLoop() = default;
+
+    /// Runs until Stop. Main thread only. A Stop that came first makes it return at once.
+    virtual void Run() = 0;
+
+    /// Ends Run. Any thread, and signal handlers.
+    virtual void Stop() = 0;
+
+    /// Calls \p ready on the main thread whenever \p descriptor can be read (or has an error). The descriptor stays
+    /// its owner's. Main thread only.
+    virtual void AddDescriptor(int descriptor, std::function<void()> ready) = 0;
+
+    /// Ends the calls for \p descriptor; nothing if there are none. Main thread only, also from inside a call.
+    virtual void RemoveDescriptor(int descriptor) = 0;
+};
+
+} // namespace host
