@@ -21,6 +21,10 @@ class Host {
     /// What this host is called on the command line, as in "x11".
     virtual const char* Name() const = 0;
 
+    /// The generation of display services that the machine offers, as four hexadecimal digits in the numbering that
+    /// zOS knows by name. It decides how frames are captured and whether pointer shapes are cached.
+    virtual uint32_t SystemVersion() const { return 0x1080; }
+
     virtual Displays& DisplaysPort() = 0;
     virtual Pointer& PointerPort() = 0;
     virtual Clock& ClockPort() = 0;

@@ -1,0 +1,118 @@
+#include "vnSnapshot_ogl.h"
+
+#include <cstring>
+
+#include "Host.h"
+#include "vnSnapshotBuffer.h"
+#include "z4CCCC.h"
+#include "zOS.h"
+
+namespace {
+
+constexpr int kBytesPerPixel = 4;
+
+/// Copies rows of \p rowBytes so that the first becomes the last, growing \p image where it is too small.
+int copy_rows_reversed(zBuffer& image, const uint8_t* pixels, int rowBytes, int height) {
+    const auto size = static_cast<unsigned int>(rowBytes * height);
+    if (image.Size() < size) {
+        if (const int result = image.ResizeTo(size, 0); result != 0)
+            return result;
+    }
+    auto* target = static_cast<uint8_t*>(image.Data());
+    for (int row = height - 1; row >= 0; --row, target += rowBytes)
+        memcpy(target, pixels + static_cast<ptrdiff_t>(row) * rowBytes, static_cast<size_t>(rowBytes));
+    return 0;
+}
+
+bool system_caches_cursor() {
+    return zOS::IsVersion(z4CCCC("tigr")) || zOS::IsVersion(z4CCCC("leop"));
+}
+
+} // namespace
+
+vnSnapshot_ogl::vnSnapshot_ogl(host::DisplayId display) : fDisplay(display) {}
+
+vnSnapshot_ogl::~vnSnapshot_ogl() = default;
+
+int vnSnapshot_ogl::SetDisplay(host::DisplayId display) {
+    if (is_open())
+        do_close();
+    fDisplay = display;
+    return is_open() ? do_open() : 0;
+}
+
+void vnSnapshot_ogl::update_device_rect() {
+    host::Displays& displays = host::Host::Current().DisplaysPort();
+    const host::Rect bounds = displays.Bounds(fDisplay ? fDisplay : displays.MainDisplay());
+    const int left = static_cast<int>(bounds.x);
+    const int top = static_cast<int>(bounds.y);
+    fDeviceRect = zRect(left, top, left + static_cast<int>(bounds.width) - 1,
+                        top + static_cast<int>(bounds.height) - 1);
+}
+
+zRect vnSnapshot_ogl::local_rect(const zRect& crop) const {
+    return {zRect::Subtract(crop.left, fDeviceRect.left), zRect::Subtract(crop.top, fDeviceRect.top),
+            zRect::Subtract(fDeviceRect.Width() - 1, crop.right),
+            zRect::Subtract(fDeviceRect.Height() - 1, crop.bottom)};
+}
+
+zRect vnSnapshot_ogl::screen_rect(const zRect& local) const {
+    return {zRect::Add(local.left, fDeviceRect.left), zRect::Add(local.top, fDeviceRect.top),
+            zRect::Add(local.right, fDeviceRect.left), zRect::Add(local.bottom, fDeviceRect.top)};
+}
+
+int vnSnapshot_ogl::MouseInfo(zRect& rect, zBuffer& image, int& rowBytes, int& colorSpace) {
+    host::Pointer& pointer = host::Host::Current().PointerPort();
+    if (!pointer.IsVisible() || pointer.IsDrawnInFramebuffer())
+        return -1;
+
+    const bool caches = system_caches_cursor();
+    const uint32_t seed = caches ? pointer.Seed() : 0;
+    if (caches && fCursor.colorSpace != 0 && fCursor.seed == seed)
+        return cached_cursor(rect, image, rowBytes, colorSpace);
+
+    zPoint hotSpot;
+    const int result = fetch_cursor(rect, image, rowBytes, colorSpace, hotSpot);
+    if (result == 0 && caches) {
+        fCursor.image.SetAndCopyData(image.Data(), image.Size(), 0);
+        fCursor.seed = seed;
+        fCursor.rect = rect;
+        fCursor.rowBytes = rowBytes;
+        fCursor.colorSpace = colorSpace;
+        fCursor.hotSpot = hotSpot;
+    }
+    return result;
+}
+
+int vnSnapshot_ogl::cached_cursor(zRect& rect, zBuffer& image, int& rowBytes, int& colorSpace) {
+    host::Point location;
+    if (host::Host::Current().PointerPort().Location(location) != 0)
+        return -1;
+    image.SetAndCopyData(fCursor.image.Data(), fCursor.image.Size(), 0);
+    rect = zRect(fCursor.rect.Width(), fCursor.rect.Height());
+    rect.Offset(static_cast<int>(location.x) - fCursor.hotSpot.x,
+                static_cast<int>(location.y) - fCursor.hotSpot.y);
+    rowBytes = fCursor.rowBytes;
+    colorSpace = fCursor.colorSpace;
+    return 0;
+}
+
+int vnSnapshot_ogl::fetch_cursor(zRect& rect, zBuffer& image, int& rowBytes, int& colorSpace,
+                                 zPoint& hotSpot) {
+    host::Pointer& pointer = host::Host::Current().PointerPort();
+    host::Point location;
+    host::PointerPicture picture;
+    if (pointer.Location(location) != 0 || pointer.Picture(picture) != 0)
+        return -1;
+
+    const int bytes = picture.width * kBytesPerPixel;
+    if (const int result = copy_rows_reversed(image, picture.pixels, bytes, picture.height); result != 0)
+        return result;
+    rect = zRect(picture.width, picture.height);
+    rect.Offset(static_cast<int>(location.x - picture.hotSpot.x),
+                static_cast<int>(location.y - picture.hotSpot.y));
+    rowBytes = bytes;
+    colorSpace = static_cast<int>(kColorSpace_argb);
+    hotSpot = zPoint(static_cast<int>(picture.hotSpot.x), static_cast<int>(picture.hotSpot.y));
+    return 0;
+}
