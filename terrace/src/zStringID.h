@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+
+#include "zBonsai.h"
+
+class zCritical;
+
+/// The dictionary of the process between the names of variables and their numeric ids.
+///
+/// A name and an id are tied for the life of the process. Any thread may use it; every call takes its lock,
+/// so hot code keeps ids instead of names.
+class zStringID {
+  public:
+    zStringID();
+    ~zStringID();
+    zStringID(const zStringID&) = delete;
+    zStringID& operator=(const zStringID&) = delete;
+
+    /// The one instance. Startup makes it, so that no two threads meet at its first use.
+    static zStringID* Default();
+    static void Startup();
+    static void Shutdown();
+
+    /// The id of a name in the default instance; a name not seen before gets one.
+    static int ID(const char* text);
+
+    /// Ties `id` to a copy of `text`. 0, also for a pair that is tied already; -1 when either is tied to
+    /// something else. The last argument has no effect.
+    int Add(int id, const char* text, bool unused);
+
+    /// The id of a text. An unknown (or null) one gives 0 with `findOnly`, otherwise (unless null) a new id.
+    int IDForString(const char* text, bool findOnly);
+
+    /// The text of an id, owned by this object, or `defaultText` for an unknown id.
+    const char* StringForID(int id, const char* defaultText);
+
+    /// An id that is not in use, from the series of made-up ids. The text has no influence on it.
+    int generate_unique_id(const char* text);
+
+  private:
+    int find_by_text(const char* text);
+    bool has_id(int id);
+
+    zBonsai fByText; // owns nothing; the texts are freed through it once, both trees point at them
+    zBonsai fByID;
+    std::unique_ptr<zCritical> fCritical;
+    int fNextUnique = 1;
+};
