@@ -1,10 +1,5 @@
 #include "vnSnapshotBuffer.h"
 
-namespace {
-constexpr unsigned int kKeepContents = 1;
-constexpr unsigned int kKeepLargerBlock = 4;
-} // namespace
-
 int vnSnapshotBuffer::Configure(int width, int height, int rowBytes, uint32_t colorSpace) {
     fWidth = width;
     fHeight = height;
@@ -15,11 +10,11 @@ int vnSnapshotBuffer::Configure(int width, int height, int rowBytes, uint32_t co
 
 int vnSnapBuff_cg::Configure(int width, int height, int rowBytes, uint32_t colorSpace) {
     vnSnapshotBuffer::Configure(width, height, rowBytes, colorSpace);
-    return fStore.ResizeTo(static_cast<unsigned int>(rowBytes * height), kKeepLargerBlock);
+    return fStore.ResizeTo(static_cast<unsigned int>(rowBytes * height), zBuffer::kKeepLargerBlock);
 }
 
 int vnSnapBuff_mouse::Configure(int width, int height, int rowBytes, uint32_t colorSpace) {
     vnSnapshotBuffer::Configure(width, height, rowBytes, colorSpace);
     const auto needed = static_cast<unsigned int>(rowBytes * height);
-    return fStore.Size() < needed ? fStore.ResizeTo(needed, kKeepContents) : 0;
+    return fStore.Size() < needed ? fStore.ResizeTo(needed, zBuffer::kKeepContents) : 0;
 }

@@ -42,14 +42,14 @@ class vnSnapBuff_cg : public vnSnapshotBuffer {
     static constexpr uint32_t kTypeTag = 0x766E4347;
 
     vnSnapBuff_cg() : vnSnapshotBuffer(kTypeTag) {}
-    uint8_t* Data() override { return static_cast<uint8_t*>(fStore.Data()); }
+    uint8_t* Data() override { return reinterpret_cast<uint8_t*>(fStore.Data()); }
     int Size() override { return static_cast<int>(fStore.Size()); }
     int Configure(int width, int height, int rowBytes, uint32_t colorSpace) override;
 
     zBuffer& Store() { return fStore; }
 
   private:
-    zBuffer fStore{0, 0};
+    zBuffer fStore;
 };
 
 /// A pointer shape. Once in the catalogue its pixels don't change any more.
@@ -58,7 +58,7 @@ class vnSnapBuff_mouse : public vnSnapshotBuffer {
     static constexpr uint32_t kTypeTag = 0x766E4D73;
 
     vnSnapBuff_mouse() : vnSnapshotBuffer(kTypeTag) {}
-    uint8_t* Data() override { return static_cast<uint8_t*>(fStore.Data()); }
+    uint8_t* Data() override { return reinterpret_cast<uint8_t*>(fStore.Data()); }
     int Size() override { return static_cast<int>(fStore.Size()); }
 
     /// Sets the geometry and grows the store if it is too small; the pixels in it stay.
@@ -71,5 +71,5 @@ class vnSnapBuff_mouse : public vnSnapshotBuffer {
 
   private:
     uint32_t fMouseId = 0;
-    zBuffer fStore{0, 0};
+    zBuffer fStore;
 };

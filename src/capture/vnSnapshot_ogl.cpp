@@ -18,7 +18,7 @@ int copy_rows_reversed(zBuffer& image, const uint8_t* pixels, int rowBytes, int 
         if (const int result = image.ResizeTo(size, 0); result != 0)
             return result;
     }
-    auto* target = static_cast<uint8_t*>(image.Data());
+    char* target = image.Data();
     for (int row = height - 1; row >= 0; --row, target += rowBytes)
         memcpy(target, pixels + static_cast<ptrdiff_t>(row) * rowBytes, static_cast<size_t>(rowBytes));
     return 0;
@@ -44,10 +44,7 @@ int vnSnapshot_ogl::SetDisplay(host::DisplayId display) {
 void vnSnapshot_ogl::update_device_rect() {
     host::Displays& displays = host::Host::Current().DisplaysPort();
     const host::Rect bounds = displays.Bounds(fDisplay ? fDisplay : displays.MainDisplay());
-    const int left = static_cast<int>(bounds.x);
-    const int top = static_cast<int>(bounds.y);
-    fDeviceRect = zRect(left, top, left + static_cast<int>(bounds.width) - 1,
-                        top + static_cast<int>(bounds.height) - 1);
+    fDeviceRect = zRect::FromOriginAndSize(bounds.x, bounds.y, bounds.width, bounds.height);
 }
 
 zRect vnSnapshot_ogl::local_rect(const zRect& crop) const {
@@ -89,9 +86,9 @@ int vnSnapshot_ogl::cached_cursor(zRect& rect, zBuffer& image, int& rowBytes, in
     if (host::Host::Current().PointerPort().Location(location) != 0)
         return -1;
     image.SetAndCopyData(fCursor.image.Data(), fCursor.image.Size(), 0);
-    rect = zRect(fCursor.rect.Width(), fCursor.rect.Height());
-    rect.Offset(static_cast<int>(location.x) - fCursor.hotSpot.x,
-                static_cast<int>(location.y) - fCursor.hotSpot.y);
+    const int left = static_cast<int>(location.x) - fCursor.hotSpot.x;
+    const int top = static_cast<int>(location.y) - fCursor.hotSpot.y;
+    rect = zRect::FromOriginAndSize(left, top, fCursor.rect.Width(), fCursor.rect.Height());
     rowBytes = fCursor.rowBytes;
     colorSpace = fCursor.colorSpace;
     return 0;
@@ -108,9 +105,8 @@ int vnSnapshot_ogl::fetch_cursor(zRect& rect, zBuffer& image, int& rowBytes, int
     const int bytes = picture.width * kBytesPerPixel;
     if (const int result = copy_rows_reversed(image, picture.pixels, bytes, picture.height); result != 0)
         return result;
-    rect = zRect(picture.width, picture.height);
-    rect.Offset(static_cast<int>(location.x - picture.hotSpot.x),
-                static_cast<int>(location.y - picture.hotSpot.y));
+    rect = zRect::FromOriginAndSize(location.x - picture.hotSpot.x, location.y - picture.hotSpot.y,
+                                    picture.width, picture.height);
     rowBytes = bytes;
     colorSpace = static_cast<int>(kColorSpace_argb);
     hotSpot = zPoint(static_cast<int>(picture.hotSpot.x), static_cast<int>(picture.hotSpot.y));

@@ -37,7 +37,7 @@ class vnSnapshot_ogl : public vnSnapshot {
     struct CursorCache {
         uint32_t seed = 0;
         zRect rect;
-        zBuffer image{0, 0};
+        zBuffer image;
         int rowBytes = 0;
         int colorSpace = 0;
         zPoint hotSpot;

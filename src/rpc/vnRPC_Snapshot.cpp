@@ -88,8 +88,7 @@ void vnRPC_Snapshot::SignalThread_Tick() {
 int vnRPC_Snapshot::snapshot(Call& call) {
     zRecord parameters;
     zXMLRPC(call.request).GetStructParam(0, parameters);
-    const uint32_t quality =
-        vnRPC_Encoder::QualityFromString(parameters.AsCString("quality", "normal", nullptr));
+    const uint32_t quality = vnRPC_Encoder::QualityFromString(parameters.AsCString("quality", "normal"));
     const zRect crop(parameters.AsInt32("crop_left", 0), parameters.AsInt32("crop_top", 0),
                      parameters.AsInt32("crop_right", 0), parameters.AsInt32("crop_bottom", 0));
 
@@ -137,16 +136,16 @@ void vnRPC_Snapshot::check_and_resize_encoder() {
 
 void vnRPC_Snapshot::fill_reply(const Tick& tick, const zRect& rect, Call& call) {
     zString text;
-    call.multipart.SetCString(cMultipartRecord::kContentTypeName, cMultipartRecord::kContentType, 0);
-    call.reply.SetCString(xTag, "response", 0);
-    call.reply.SetInt32("error", 0, 0);
-    call.reply.SetUInt32("instance", fMouse->InstanceId(), 0);
+    call.multipart.SetCString(cMultipartRecord::kContentTypeName, cMultipartRecord::kContentType);
+    call.reply.SetCString(zRecord::kXMLTag, "response");
+    call.reply.SetInt32("error", 0);
+    call.reply.SetUInt32("instance", fMouse->InstanceId());
     cUtils::XOP_MakeReference(text, kPictureId);
-    call.reply.SetCString("picture", text, 0);
-    call.reply.SetRect("rect", rect, 0);
+    call.reply.SetCString("picture", text);
+    call.reply.SetRect("rect", rect);
     if (tick.mouseValid) {
-        call.reply.SetPoint("mouse_location", tick.mouseLocation, 0);
-        call.reply.SetUInt32("mouse_id", tick.mouseId, 0);
+        call.reply.SetPoint("mouse_location", tick.mouseLocation);
+        call.reply.SetUInt32("mouse_id", tick.mouseId);
     }
 
     cMultipartRecord message(call.multipart);

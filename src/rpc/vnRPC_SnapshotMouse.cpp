@@ -17,7 +17,7 @@ namespace {
 constexpr const char* kMethod = "SnapshotMouse";
 constexpr const char* kShapeId = "id_mouse_shape";
 constexpr const char* kShapeType = "application/cursor-binary";
-constexpr unsigned int kKeepContentsAndBlock = 5;
+constexpr unsigned int kKeepContentsAndBlock = zBuffer::kKeepContents | zBuffer::kKeepLargerBlock;
 
 } // namespace
 
@@ -105,25 +105,25 @@ int vnRPC_SnapshotMouse::snapshot_mouse(const zRecord& request, zRecord& reply, 
         }
     }
     const int result = shape ? 0 : -1;
-    reply.SetCString(xTag, "response", 0);
-    reply.SetInt32("error", result, 0);
+    reply.SetCString(zRecord::kXMLTag, "response");
+    reply.SetInt32("error", result);
     return result;
 }
 
 void vnRPC_SnapshotMouse::describe_shape(vnSnapBuff_mouse& shape, zRecord& reply, zRecord& multipart) {
     zString text;
-    multipart.SetCString(cMultipartRecord::kContentTypeName, cMultipartRecord::kContentType, 0);
+    multipart.SetCString(cMultipartRecord::kContentTypeName, cMultipartRecord::kContentType);
     cMultipartRecord message(multipart);
     const int section = message.AddSection(shape.Size(), kShapeType);
 
-    reply.SetUInt32("instance", fInstanceId, 0);
-    reply.SetInt32("width", shape.Width(), 0);
-    reply.SetInt32("height", shape.Height(), 0);
-    reply.SetInt32("rowbytes", shape.RowBytes(), 0);
-    reply.SetInt32("colorspace", static_cast<int>(shape.ColorSpace()), 0);
-    reply.SetRect("section_rect_1", zRect(shape.Width(), shape.Height()), 0);
+    reply.SetUInt32("instance", fInstanceId);
+    reply.SetInt32("width", shape.Width());
+    reply.SetInt32("height", shape.Height());
+    reply.SetInt32("rowbytes", shape.RowBytes());
+    reply.SetInt32("colorspace", static_cast<int>(shape.ColorSpace()));
+    reply.SetRect("section_rect_1", zRect(shape.Width(), shape.Height()));
     cUtils::XOP_MakeReference(text, kShapeId);
-    reply.SetCString("mouse_shape", text, 0);
+    reply.SetCString("mouse_shape", text);
 
     cUtils::XOP_MakeContentIDHeaderString(text, kShapeId);
     message.AddSectionHeader(section, "Content-ID", text);
