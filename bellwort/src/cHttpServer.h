@@ -51,14 +51,13 @@ class cHttpServer final : public zThreadMain {
     static constexpr int kPending = 1; ///< The listening's outcome is not known yet; codes are 0 or below.
 
     int create_listen_socket();
-    int listen_step(int result, const char* what);
     void serve_ready_clients();
     void accept_incoming();
     bool handle_client_read(cHttpServerData& client);
     void dispatch(cHttpServerData& client);
     cHttpHandler* handler_at(size_t index);
     void set_served(zSocket* socket);
-    void remove_client(unsigned int index);
+    void remove_client(size_t index);
 
     std::atomic<bool> fRunning = true; ///< Only ever cleared, so that an early `Stop` is not lost.
     std::unique_ptr<zSocket> fListenSocket;

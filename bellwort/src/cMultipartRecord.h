@@ -49,8 +49,8 @@ class cMultipartRecord {
     /// Appends a section whose data will have `size` bytes; `type` becomes its Content-Type unless it is
     /// null. Returns its index.
     int AddSection(int size, const char* type);
-    /// Appends a section as above and returns it.
-    Section AppendSection(int size, const char* type);
+    /// Appends a section as above and returns its record.
+    zRecord& AppendSectionRecord(int size, const char* type);
     /// What separates the sections.
     zString GetBoundary() const;
     /// Section by index. 0, or -1 with `section` empty.
