@@ -21,7 +21,11 @@ double milliseconds_since(std::chrono::steady_clock::time_point& mark) {
 } // namespace
 
 BareLoop::BareLoop(BareSource source, int width, int height, int quality, int subsampling)
-    : fSource(std::move(source)), fWidth(width), fHeight(height), fQuality(quality), fSubsampling(subsampling),
+    : fSource(std::move(source)),
+      fWidth(width),
+      fHeight(height),
+      fQuality(quality),
+      fSubsampling(subsampling),
       fFlipped(static_cast<size_t>(width) * static_cast<size_t>(height) * kBytesPerPixel),
       fCompressor(tjInitCompress()),
       fJpeg(tjAlloc(static_cast<int>(tjBufSize(width, height, subsampling)))) {}

@@ -37,7 +37,6 @@ int vnRPC_Encoder_mac::EncodeJPEG(vnEncoderBuffer& out, const void* pixels, int,
 }
 
 int vnRPC_Encoder_mac::set_quality(uint32_t quality) {
-    // The start value is no tag, so that the first picture always sets a quality.
     if (quality == fLastQuality)
         return 0;
     if (fExporter->SetCompressionQuality(compression_quality(quality)) != 0)

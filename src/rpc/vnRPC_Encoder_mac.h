@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "vnRPC_Encoder.h"
 
 namespace host {
@@ -21,7 +23,7 @@ class vnRPC_Encoder_mac : public vnRPC_Encoder {
     int set_output(vnEncoderBuffer& out);
 
     std::unique_ptr<host::PictureExporter> fExporter; ///< Null when the set-up failed.
-    uint32_t fLastQuality = 0;
+    std::optional<uint32_t> fLastQuality; ///< None before the first picture, which always sets one.
     const void* fLastPixels = nullptr;
     host::PictureBlock* fLastOutput = nullptr;
 };

@@ -1,0 +1,178 @@
+#include <gtest/gtest.h>
+
+#include "vnConfigurableSnapshot.h"
+#include "vnFocus.h"
+#include "vnSnapshotBuffer.h"
+#include "zString.h"
+
+namespace {
+
+/// A device that only notes what reaches it.
+class NotingDevice : public vnSnapshot {
+  public:
+    NotingDevice(const zRect& bounds, int& alive) : fBounds(bounds), fAlive(alive) { ++fAlive; }
+    ~NotingDevice() override { --fAlive; }
+
+    vnSnapshotBuffer* NewBuffer() override { return new vnSnapBuff_cg; }
+    bool IsScreenSaverActive() override { return true; }
+    int MouseInfo(zRect&, zBuffer&, int&, int&) override { return 0; }
+    int Grab(vnSnapshotBuffer**, const zRect& crop, zRect*) override {
+        ++grabs;
+        insets = crop;
+        return 0;
+    }
+    zRect MaximumRect() override { return fBounds; }
+
+    int grabs = 0;
+    int opens = 0;
+    int closes = 0;
+    zRect insets;
+
+  protected:
+    int do_open() override { return ++opens, 0; }
+    void do_close() override { ++closes; }
+
+  private:
+    zRect fBounds;
+    int& fAlive;
+};
+
+class ScriptedFocus : public vnFocus {
+  public:
+    int Rect(zRect& rect) override {
+        if (result == 0)
+            rect = answer;
+        return result;
+    }
+    zRect answer;
+    int result = 0;
+};
+
+/// Two displays side by side, the second larger.
+class ConfigurableSnapshotTest : public testing::Test {
+  protected:
+    ConfigurableSnapshotTest() {
+        front.AddDevice("left", left);
+        front.AddDevice("right", right);
+    }
+    ~ConfigurableSnapshotTest() override {
+        if (buffer)
+            buffer->Release();
+    }
+
+    int alive = 0;
+    NotingDevice* left = new NotingDevice(zRect(0, 0, 1023, 767), alive);
+    NotingDevice* right = new NotingDevice(zRect(1024, 0, 2303, 1023), alive);
+    vnConfigurableSnapshot front;
+    ScriptedFocus focus;
+    vnSnapshotBuffer* buffer = nullptr;
+};
+
+TEST(ConfigurableSnapshot, WithoutDevicesHasNothingToGive) {
+    vnConfigurableSnapshot front;
+    vnSnapshotBuffer* buffer = nullptr;
+    EXPECT_EQ(front.Grab(&buffer, zRect(), nullptr), -1);
+    EXPECT_EQ(buffer, nullptr);
+    EXPECT_EQ(front.NewBuffer(), nullptr);
+    EXPECT_EQ(front.MaximumRect(), zRect());
+    EXPECT_FALSE(front.IsScreenSaverActive());
+}
+
+TEST_F(ConfigurableSnapshotTest, StoresAnyIndexAndSaysWhetherADeviceLiesThere) {
+    EXPECT_EQ(front.SetCurrentDeviceByIndex(7), -1);
+    EXPECT_EQ(front.CurrentDeviceIndex(), 7);
+    EXPECT_EQ(front.CurrentDeviceSnapshot(), nullptr);
+    EXPECT_EQ(front.SetCurrentDeviceByIndex(1), 0);
+    EXPECT_EQ(front.CurrentDeviceSnapshot(), right);
+
+    zString name;
+    EXPECT_EQ(front.Device_Name(1, name), 0);
+    EXPECT_STREQ(name, "right");
+    EXPECT_EQ(front.Device_Name(-1, name), -1);
+    front.AddDevice(nullptr, nullptr);
+    EXPECT_EQ(front.Device_Count(), 2);
+}
+
+TEST_F(ConfigurableSnapshotTest, OpensAndClosesEveryDeviceOnceForAllUsers) {
+    front.Open();
+    front.Open();
+    front.Close();
+    EXPECT_EQ(left->opens + right->opens, 2);
+    EXPECT_EQ(left->closes + right->closes, 0);
+    EXPECT_TRUE(front.is_open());
+    front.Close();
+    EXPECT_EQ(left->closes + right->closes, 2);
+}
+
+TEST_F(ConfigurableSnapshotTest, PassesFlagsOnToEveryDevice) {
+    front.SetPaused(true);
+    front.EnableAudio(false);
+    front.EnableVideo(false);
+    front.SetIgnoreScreenDiffs(true);
+    EXPECT_TRUE(right->IsPaused());
+    EXPECT_FALSE(right->AudioIsEnabled());
+    EXPECT_FALSE(left->VideoIsEnabled());
+    EXPECT_TRUE(left->IgnoreScreenDiffs());
+}
+
+TEST_F(ConfigurableSnapshotTest, TurnsAFocusAndACropIntoInsetsOfTheDevice) {
+    front.SetCurrentDeviceByIndex(1);
+    front.Grab(&buffer, zRect(1, 2, 3, 4), nullptr);
+    EXPECT_EQ(right->insets, zRect(1, 2, 3, 4)) << "without a focus the crop goes on as it is";
+
+    focus.answer = zRect(1100, 100, 1299, 299);
+    front.SetFocus(&focus);
+    front.Grab(&buffer, zRect(1, 2, 3, 4), nullptr);
+    EXPECT_EQ(right->insets, zRect(1101, 102, 2303 - 1299 + 3, 1023 - 299 + 4));
+    EXPECT_EQ(front.MaximumRect(), focus.answer);
+}
+
+TEST_F(ConfigurableSnapshotTest, ChoosesTheDeviceThatTheFocusLiesOnMost) {
+    struct {
+        zRect rect;
+        NotingDevice* expected;
+    } const cases[] = {
+        {zRect(10, 10, 99, 99), left},     {zRect(1100, 10, 1199, 99), right},
+        {zRect(724, 0, 1423, 767), right}, // 300 columns on the left display, 400 on the right
+        {zRect(624, 0, 1323, 767), left},  // 400 and 300, equally high
+        {zRect(624, 0, 1323, 900), right}, // the right one is narrower but higher
+    };
+    front.SetFocus(&focus);
+    for (const auto& one : cases) {
+        const int before = one.expected->grabs;
+        focus.answer = one.rect;
+        EXPECT_EQ(front.Grab(&buffer, zRect(), nullptr), 0);
+        EXPECT_EQ(one.expected->grabs, before + 1) << one.rect.left << ".." << one.rect.bottom;
+    }
+}
+
+TEST_F(ConfigurableSnapshotTest, KeepsCapturingWhereAWindowLastStood) {
+    front.SetFocus(&focus);
+    focus.result = -1;
+    EXPECT_EQ(front.Grab(&buffer, zRect(), nullptr), -1) << "no rectangle was ever had";
+
+    focus.result = 0;
+    focus.answer = zRect(1100, 100, 1299, 299);
+    ASSERT_EQ(front.Grab(&buffer, zRect(), nullptr), 0);
+    focus.result = -1;
+    EXPECT_EQ(front.Grab(&buffer, zRect(), nullptr), 0);
+    EXPECT_EQ(right->grabs, 2);
+    EXPECT_EQ(front.MaximumRect(), focus.answer);
+
+    front.SetFocus(&focus);
+    EXPECT_EQ(front.Grab(&buffer, zRect(), nullptr), -1) << "a new focus forgets the old place";
+}
+
+TEST(ConfigurableSnapshot, TellsClientsOfAtMost2048Pixels) {
+    int alive = 0;
+    {
+        vnConfigurableSnapshot front;
+        front.AddDevice("wide", new NotingDevice(zRect(100, 0, 100 + 2559, 1439), alive));
+        front.SetCurrentDeviceByIndex(0);
+        EXPECT_EQ(front.MaximumRect(), zRect(100, 0, 100 + 2047, 1439));
+        EXPECT_EQ(alive, 1);
+    }
+    EXPECT_EQ(alive, 0) << "the front owns its devices";
+}
+
+} // namespace
