@@ -1,0 +1,190 @@
+// Everything that a client can throw at the whole server. Each test ends with an ordinary client being
+// served; the sanitizers watch over memory.
+
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "FakeHost.h"
+#include "TestClient.h"
+#include "vnCaptureServer.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+std::string member(const std::string& name, const std::string& type, const std::string& value) {
+    return "<member><name>" + name + "</name><value><" + type + ">" + value + "</" + type +
+           "></value></member>";
+}
+
+std::string struct_param(const std::string& members) {
+    return "<params><param><value><struct>" + members + "</struct></value></param></params>";
+}
+
+class HostileInputTest : public testing::Test {
+  protected:
+    HostileInputTest() { EXPECT_EQ(server.Server().WaitUntilListening(), 0); }
+
+    uint16_t Port() { return server.Server().Port(); }
+
+    /// True if a new client gets its picture.
+    bool StillServes() {
+        TestClient client(Port());
+        const auto reply = client.Call("Snapshot");
+        return reply && reply->body.find("rect=\"0,0,63,47\"") != std::string::npos &&
+               reply->body.find("\xFF\xD8\xFF") != std::string::npos;
+    }
+
+    FakeHost machine;
+    host::HostScope scope{machine};
+    vnCaptureServer server{0, "127.0.0.1"};
+};
+
+TEST_F(HostileInputTest, AbsurdParametersGetNoPictureOrTheUsualOne) {
+    const struct {
+        std::string params;
+        bool answered;
+    } cases[] = {
+        {"", true},
+        {"<params></params>", true},
+        {"<params><param><value>text</value></param></params>", true},
+        {struct_param(member("quality", "string", "worst") + member("unknown", "int", "1")), true},
+        {struct_param(member("crop_left", "string", "not a number")), true},
+        {struct_param(member("crop_left", "int", "99999999999999999999999")), false},
+        {struct_param(member("crop_left", "int", "2147483648")), false},
+        {struct_param(member("crop_right", "int", "-2147483648")), false},
+        {struct_param(member("crop_left", "int", "-50000") + member("crop_top", "int", "-50000")), false},
+        {struct_param(member("crop_left", "int", "65")), false},
+        {struct_param(member("crop_left", "double", "1e300") + member("crop_top", "string", "nan")), true},
+    };
+    for (const auto& one : cases) {
+        TestClient client(Port());
+        client.SetReceiveTimeout(one.answered ? 10000 : 300);
+        EXPECT_EQ(client.Call("Snapshot", one.params).has_value(), one.answered) << one.params;
+        client.SetReceiveTimeout(10000);
+        EXPECT_TRUE(client.Call("CheckConnection")) << "the connection stays usable after " << one.params;
+    }
+    EXPECT_TRUE(StillServes());
+}
+
+TEST_F(HostileInputTest, BodiesThatAreNoCallGetTheNotFoundPage) {
+    const std::string bodies[] = {
+        "<methodCall>",
+        "<methodCall></methodCall>",
+        "<methodCall><methodName></methodName></methodCall>",
+        "<methodCall><methodName>NoSuchMethod</methodName></methodCall>",
+        "<methodCall><methodName>Snap<shot/></methodName></methodCall>",
+        "<methodCall>&undefined;<methodName>Snapshot</methodName></methodCall>",
+        "<methodCall><a></b><methodName>Snapshot</methodName></methodCall>",
+        "\xFF\xFE<methodCall>\x01",
+        "<!DOCTYPE d [<!ENTITY a \"aaaaaaaaaa\">]><methodCall><methodName>&a;</methodName></methodCall>",
+    };
+    for (const std::string& body : bodies) {
+        TestClient client(Port());
+        const auto reply = client.Post(body);
+        ASSERT_TRUE(reply) << body;
+        EXPECT_EQ(reply->body.substr(0, 24), "<HTML><TITLE>Not Found</") << body;
+    }
+    EXPECT_TRUE(StillServes());
+}
+
+TEST_F(HostileInputTest, ACallThatBreaksOffBehindItsNameIsExecuted) {
+    TestClient client(Port());
+    const auto reply = client.Post("<methodCall><methodName>CheckConnection</methodName><params><par");
+    ASSERT_TRUE(reply);
+    EXPECT_NE(reply->body.find("1.0.5"), std::string::npos);
+}
+
+TEST_F(HostileInputTest, EntitiesDoNotMultiply) {
+    std::string body = "<!DOCTYPE d [<!ENTITY e0 \"eeeeeeeeeeeeeeee\">";
+    for (int i = 1; i < 12; ++i) {
+        const std::string inner = "&e" + std::to_string(i - 1) + ";";
+        body += "<!ENTITY e" + std::to_string(i) + " \"";
+        for (int repeat = 0; repeat < 16; ++repeat)
+            body += inner;
+        body += "\">";
+    }
+    body += "]><methodCall><methodName>Snapshot</methodName><params>&e11;</params></methodCall>";
+    TestClient client(Port());
+    EXPECT_TRUE(client.Post(body));
+    EXPECT_TRUE(StillServes());
+}
+
+TEST_F(HostileInputTest, DeepNestingDoesNotEndTheStack) {
+    std::string body = "<methodCall>";
+    for (int i = 0; i < 300000; ++i)
+        body += "<a>";
+    TestClient client(Port(), 30000);
+    EXPECT_TRUE(client.Post(body));
+    EXPECT_TRUE(StillServes());
+}
+
+TEST_F(HostileInputTest, NULsAndTruncatedRequestsHarmOnlyTheirOwnConnection) {
+    const std::string call = TestClient::MethodCall("Snapshot");
+    TestClient withNUL(Port(), 300);
+    std::string body = call;
+    body[5] = '\0';
+    EXPECT_FALSE(withNUL.Post(body));
+
+    const std::string request = TestClient::Request(call);
+    for (size_t length = 0; length < request.size(); length += 7) {
+        TestClient client(Port());
+        client.Send(std::string_view(request).substr(0, length));
+    }
+    TestClient endless(Port(), 300);
+    std::string headers = "POST / HTTP/1.1\r\n";
+    for (int i = 0; i < 100000; ++i)
+        headers += "X-Header: value\r\n";
+    endless.Send(headers);
+    EXPECT_TRUE(StillServes());
+    EXPECT_FALSE(endless.ReadReply());
+}
+
+TEST_F(HostileInputTest, MutatedCallsNeverHarm) {
+    std::mt19937 random(20240607);
+    const std::string call = TestClient::MethodCall(
+        "Snapshot", struct_param(member("quality", "string", "high") + member("crop_left", "int", "5")));
+    for (int round = 0; round < 300; ++round) {
+        std::string body = call;
+        for (int change = 0; change < 1 + round % 4; ++change) {
+            const size_t place = random() % body.size();
+            switch (random() % 3) {
+            case 0:
+                body[place] = static_cast<char>(1 + random() % 255);
+                break;
+            case 1:
+                body.erase(place, 1 + random() % 20);
+                break;
+            default:
+                body.insert(place, body.substr(random() % body.size(), random() % 30));
+                break;
+            }
+            if (body.empty())
+                body = call;
+        }
+        TestClient client(Port());
+        client.Send(TestClient::Request(body));
+    }
+    EXPECT_TRUE(StillServes());
+}
+
+TEST_F(HostileInputTest, ManyClientsAtOnceAreAllServed) {
+    std::vector<std::thread> clients;
+    std::atomic<int> served = 0;
+    for (int i = 0; i < 8; ++i) {
+        clients.emplace_back([this, &served] {
+            TestClient client(Port(), 30000);
+            for (int call = 0; call < 10; ++call)
+                served += client.Call("Snapshot").has_value();
+        });
+    }
+    for (std::thread& client : clients)
+        client.join();
+    EXPECT_EQ(served, 80);
+}
+
+} // namespace
