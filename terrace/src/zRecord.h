@@ -6,8 +6,6 @@
 #include "zStringID.h"
 #include "zVariable.h"
 
-class zString;
-
 /// How a call names a variable: by its id, or by a name, which zStringID turns into one. A name not seen
 /// before gets an id, in reading calls too.
 class zVariableKey {
@@ -15,7 +13,7 @@ class zVariableKey {
     zVariableKey(unsigned int id) : fID(id) {}
     zVariableKey(int id) : fID(static_cast<unsigned int>(id)) {}
     zVariableKey(const char* name) : fID(static_cast<unsigned int>(zStringID::ID(name))) {}
-    zVariableKey(const zString& name);
+    zVariableKey(const zString& name) : zVariableKey(static_cast<const char*>(name)) {}
     operator unsigned int() const { return fID; }
 
   private:
@@ -118,13 +116,14 @@ class zRecord {
 
     // Variables by position. Empty registered ones do not count. 0, kNone or null for a position out of
     // range.
-    int VariableCount() const;
+    unsigned int VariableCount() const;
     unsigned int VariableID(unsigned int index) const;
     zVariable::zVariableType VariableType(unsigned int index) const;
     zVariable::zVariableType VariableTypeByID(unsigned int id) const;
     const char* VariableName(unsigned int index) const;
-    /// The variable at a position, or null.
     const zVariable* VariableAt(unsigned int index) const;
+    /// All variables for a loop, empty registered ones included.
+    const zHeap<zVariable*>& Variables() const { return fVariables; }
 
     /// Replaces a variable by a copy of the one in `from`, which moves it to the end. -1 if `from` has none.
     int VariablePutOne(const zRecord& from, unsigned int id);
@@ -173,7 +172,7 @@ class zRecord {
     bool IsEmpty() const;
     /// Deletes the variables and children, and empties the registered variables. Id and parent stay.
     void MakeEmpty();
-    /// Sorts the children by VariableCompare.
+    /// Sorts the children by VariableCompare; those without the variable come last.
     void SortByVariableID(unsigned int id);
 
     /// Calls `visit` for this record and all below it, a parent before its children (kParentFirst) or behind
@@ -201,26 +200,36 @@ class zRecord {
   private:
     template <auto kSetter, typename... Values>
     bool set_variable(unsigned int id, char notify, const Values&... values);
-    template <auto kGetter, typename Value>
-    Value get_variable(unsigned int id, const Value& defaultValue) const;
+    template <auto kGetter, typename Default>
+    Default get_variable(unsigned int id, const Default& defaultValue) const;
 
     void begin_notify_observers(unsigned int id);
-    void end_notify_observers(unsigned int id, zVariable* variable, bool changed, char notify);
+    void end_notify_observers(unsigned int id, const zVariable* variable, bool changed, char notify);
 
     void copy_record_not_children(const zRecord& other, bool withID);
     void copy_variables_by_position(const zRecord& other);
     void copy_variables_by_id(const zRecord& other);
-    unsigned int registered_count() const { return static_cast<unsigned int>(fRegisteredCount); }
-    int find_index(unsigned int id) const;
     void delete_variables_from(unsigned int count);
     bool matches(unsigned int id, const char* text, z_match_method method) const;
-    void take_out(zRecord* child);
+    zRecord* take_out(zListEntry<zRecord*>* entry);
 
     zHeap<zVariable*> fVariables;
-    int fRegisteredCount = 0; // the registered ones are the first in fVariables
+    unsigned int fRegisteredCount = 0; // the registered ones are the first in fVariables
     unsigned int fRegisteredID = 0;
     zRecord* fParent = nullptr;
     zList<zRecord*> fChildren;
     int fChildCount = 0;
     int fID = 0;
+};
+
+/// Sorts records by one variable, those without it last. Records that compare alike stand by address.
+class zRecordSortByVarID : public zListQuickSort<zRecord*> {
+  public:
+    zRecordSortByVarID(zList<zRecord*>& records, unsigned int id) : zListQuickSort(records), fID(id) {}
+
+  protected:
+    int compare(zRecord* a, zRecord* b) override;
+
+  private:
+    const unsigned int fID;
 };

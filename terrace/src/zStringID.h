@@ -41,9 +41,10 @@ class zStringID {
   private:
     int find_by_text(const char* text);
     bool has_id(int id);
+    void add_pair(int id, const char* text);
 
-    zBonsai fByText; // owns nothing; the texts are freed through it once, both trees point at them
-    zBonsai fByID;
+    zBonsai fByText;
+    zBonsai fByID; // both trees point at one copy of each text
     std::unique_ptr<zCritical> fCritical;
     int fNextUnique = 1;
 };

@@ -4,9 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "zString.h"
+
 class zColor;
-class zFloatPoint;
-class zPoint;
+struct zFloatPoint;
+struct zPoint;
 class zRect;
 
 /// One value of a record: a numeric id and a value of one of sixteen kinds, in 32 bytes.
@@ -36,9 +38,6 @@ class zVariable {
         kFloatPoint,
         kTypeCount
     };
-
-    /// As a length: the whole text, by strlen.
-    static constexpr unsigned int kWholeText = 0xFFFFFFFF;
 
     /// The lock behind AsCString without a buffer; the foundation's boot makes and destroys it.
     static void Startup();
@@ -90,8 +89,9 @@ class zVariable {
     /// #RRGGBB, #RRGGBBAA, or else a text.
     bool SetAuto(unsigned int id, const char* text);
 
-    /// Stores text alone: kind and id stay. `text` may lie in this variable's own text.
-    void SetStringPtr(const char* text, unsigned int length) const;
+    /// Stores text alone: kind and id stay. A length of kWholeText means all of it. `text` may lie in this
+    /// variable's own text.
+    void SetStringPtr(const char* text, unsigned int length);
 
     // Getters. Numbers do not test their range: integers are cut to their low bits; a fraction is cut off.
 
@@ -177,6 +177,7 @@ class zVariable {
     template <typename Number>
     Number real_number(Number defaultValue) const;
     bool is_integer() const { return Type() >= kBool && Type() <= kUInt64; }
+    bool is_real() const { return Type() == kFloat || Type() == kDouble; }
     long long extended_integer() const;
     double real_value() const {
         return Type() == kFloat ? static_cast<double>(fValue.float32) : fValue.float64;
@@ -186,13 +187,18 @@ class zVariable {
 
     template <typename T>
     bool set_value(zVariableType kind, unsigned int id, T Value::*member, T value);
-    bool set_text(unsigned int id, const char* text, unsigned int length, bool same);
+    bool set_number(unsigned int id, const char* text, int dots, int commas, size_t length);
+    bool set_whole_numbers(unsigned int id, const std::array<int, 4>& numbers, size_t count);
     void set_kind(zVariableType kind) { fKind = static_cast<uint8_t>((fKind & kRegisteredFlag) | kind); }
 
     char* heap_text() const;
     void set_heap_text(char* text) const;
     void release_text() const;
     const char* stored_text() const;
+    void store_text(const char* text, unsigned int length) const;
+    void store_inline(const char* text, size_t size) const;
+    void store_on_heap(const char* text, size_t size) const;
+    const char* cache_text(const char* text) const;
 
     unsigned int fID = 0;
     uint8_t fKind = kNone;
