@@ -2,12 +2,14 @@
 
 #include <cstdint>
 
+#include "z4CCCC.h"
+
 /// One registered module.
 struct zBootEntry {
     enum class State : uint32_t {
-        kRegistered = 0x7072655F, // "pre_"
-        kStarting = 0x73747274,   // "strt"
-        kRunning = 0x72756E5F,    // "run_"
+        kRegistered = z4CCCC("pre_"),
+        kStarting = z4CCCC("strt"),
+        kRunning = z4CCCC("run_"),
     };
 
     void (*startup)();  ///< May be null.

@@ -41,9 +41,6 @@ class zBuffer {
     unsigned short Checksum() const;
 
   private:
-    /// Drops the memory without releasing it.
-    void forget();
-
     char* fRaw = nullptr; ///< What is to be released; null for a view.
     char* fData = nullptr;
     unsigned int fSize = 0;

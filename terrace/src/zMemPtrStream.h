@@ -8,7 +8,7 @@ class zMemPtrStream : public zStream {
     zMemPtrStream(char* data, unsigned int size)
         : zStream(kRead | kWrite | kSeek), fData(data), fSize(size) {}
 
-    unsigned int OptimalBufferSize() const override { return fSize; }
+    unsigned int OptimalBufferSize() const override { return fSize < kMaxBlock ? fSize : kMaxBlock; }
     int ReadAll(char** data, unsigned int* size) override;
     /// Points the buffer at the memory, without a copy and without ownership.
     int ReadAll(zBuffer* buffer) override;
@@ -19,6 +19,8 @@ class zMemPtrStream : public zStream {
     unsigned int Position() const override { return fPosition; }
 
   private:
+    static constexpr unsigned int kMaxBlock = 64 * 1024;
+
     char* fData;
     unsigned int fSize;
     unsigned int fPosition = 0;

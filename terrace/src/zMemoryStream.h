@@ -8,7 +8,8 @@
 /// beforehand.
 class zMemoryStream : public zStream {
   public:
-    explicit zMemoryStream(unsigned int chunkSize = 4096);
+    /// A chunk size of 0 means 4096.
+    explicit zMemoryStream(unsigned int chunkSize = 0);
     ~zMemoryStream() override { Close(); }
 
     /// Reads from the caller's memory from now on. The stream can neither write nor truncate then.

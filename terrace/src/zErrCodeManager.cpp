@@ -1,0 +1,5 @@
+#include "zErrCodeManager.h"
+
+void zErrCodeManager::RegisterCodeRange(int, int, const char*) {}
+
+void zErrCodeManager::FreeMemory() {}
