@@ -17,6 +17,10 @@ inline constexpr char kXML_Header[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" 
 /// so any thread may use it.
 class zXML {
   public:
+    static constexpr int kModuleID = z4CCCC("zxml");
+    /// Does nothing; to name it keeps the library's boot module in the link.
+    static void boot_Module();
+
     static constexpr unsigned int kXMLText = z4CCCC("xTxt");
     static constexpr char kTextNodeTag[] = "_xml_text";
 
@@ -30,6 +34,8 @@ class zXML {
 
     /// Elements that may be open at once when reading; a document that nests deeper is treated as malformed.
     static constexpr unsigned int kMaxDepth = 512;
+    /// Attributes of one element, likewise: a record finds its variables by looking through them.
+    static constexpr unsigned int kMaxAttributes = 4096;
 
     // Reading. The root becomes the document's element, in addition to what it held. On -1 it keeps what was
     // read up to the fault.

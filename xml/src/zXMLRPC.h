@@ -12,6 +12,10 @@ class zVariable;
 /// children of "params", so white space must not have been kept.
 class zXMLRPC {
   public:
+    /// Members that a struct may have; one with more is refused as misshaped, as each is looked for among the
+    /// others.
+    static constexpr int kMaxMembers = 4096;
+
     explicit zXMLRPC(zRecord& record) : fRecord(&record), fConstRecord(&record) {}
     explicit zXMLRPC(const zRecord& record) : fRecord(nullptr), fConstRecord(&record) {}
 
@@ -57,16 +61,17 @@ class zXMLRPC {
     static int xmlrpc_to_struct(const zRecord* node, zRecord& record);
     static int xmlrpc_value_to_zrecord(const zRecord* value, zRecord& record);
     static int xmlrpc_to_boolean(const zRecord* node, bool& value);
-    /// The "value" element, owned by the caller, of the variable at a position of the source.
+    /// The "value" element, owned by the caller, of the variable at a position of the source. Null past the
+    /// end.
     static zRecord* create_param_value(const zRecord& source, unsigned int index);
     /// The first record with that tag, depth first from `parent`, or a new last child.
     static zRecord* find_or_create(zRecord& parent, const char* tag);
 
   private:
-    zRecord* append_value();
-    void append_typed_param(const char* type, const char* text);
+    zRecord* append_param();
+    void append_text_param(const char* type, const char* text);
     const zRecord* param(int index) const;
-    const zRecord* param_value(int index, const char* type) const;
+    const zRecord* typed_value(int index, const char* type) const;
 
     zRecord* fRecord; // null on a const record
     const zRecord* fConstRecord;
