@@ -22,8 +22,8 @@ struct Image {
 
 /// The machine's displays and the pixels they show.
 ///
-/// ActiveDisplays, MainDisplay, Bounds and ProductName may be called from any thread. Picture is called by one
-/// thread at a time: its callers serialise themselves, since they share the pixels that it returns.
+/// ActiveDisplays, MainDisplay, Bounds and ProductName may be called from any thread. Picture is called by
+/// one thread at a time: its callers serialise themselves, since they share the pixels that it returns.
 class Displays {
   public:
     virtual ~Displays() = default;
@@ -31,7 +31,8 @@ class Displays {
     /// Fills \p ids with the displays in use, in the machine's order. 0, or -1 when they can't be listed.
     virtual int ActiveDisplays(std::vector<DisplayId>& ids) = 0;
 
-    /// The display that carries the desktop's origin; 0 when there is none.
+    /// The display that the user made the main one, else the one at the desktop's origin; 0 when there is
+    /// none.
     virtual DisplayId MainDisplay() = 0;
 
     /// The place of a display; an empty rectangle for an unknown id.
@@ -40,7 +41,7 @@ class Displays {
     /// What the display is called, in UTF-8; empty when the machine doesn't know.
     virtual std::string ProductName(DisplayId id) = 0;
 
-    /// The pixels of \p area as the screen shows them now, without the pointer. Places outside of every display
+    /// The pixels of \p area as the screen shows them now, without the pointer. Places where the desktop ends
     /// are black. \p image may have more pixels than the area (a scaled display), never fewer.
     /// 0, or -1 without a picture: an empty or absurd area, or a machine whose displays went away.
     virtual int Picture(const Rect& area, Image& image) = 0;

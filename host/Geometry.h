@@ -5,7 +5,8 @@
 
 namespace host {
 
-/// A position in desktop coordinates: pixels, origin at the main display's left top corner, y downwards.
+/// A position in desktop coordinates: pixels, y downwards, from an origin that the machine chooses for all
+/// displays.
 struct Point {
     double x = 0;
     double y = 0;

@@ -12,8 +12,8 @@ namespace host {
 
 /// The machine as the program sees it: one object that bundles the ports.
 ///
-/// It is installed once, before anything uses it, and outlives everything that does. Most objects of the program
-/// are made by functions without arguments and reach their ports through Current().
+/// It is installed once, before anything uses it, and outlives everything that does. Most objects of the
+/// program are made by functions without arguments and reach their ports through Current().
 class Host {
   public:
     virtual ~Host() = default;
@@ -21,8 +21,9 @@ class Host {
     /// What this host is called on the command line, as in "x11".
     virtual const char* Name() const = 0;
 
-    /// The generation of display services that the machine offers, as four hexadecimal digits in the numbering that
-    /// zOS knows by name. It decides how frames are captured and whether pointer shapes are cached.
+    /// The generation of display services that the machine offers, as four hexadecimal digits in the
+    /// numbering that zOS knows by name. It decides how frames are captured and whether pointer shapes are
+    /// cached.
     virtual uint32_t SystemVersion() const { return 0x1080; }
 
     virtual Displays& DisplaysPort() = 0;

@@ -5,8 +5,8 @@
 
 namespace host {
 
-/// A block of bytes that an exporter fills and grows. Its memory is kept from one picture to the next, so that
-/// a stream of pictures of one size settles without allocations. Owned by one thread at a time.
+/// A block of bytes that an exporter fills and grows. Its memory is kept from one picture to the next, so
+/// that a stream of pictures of one size settles without allocations. Owned by one thread at a time.
 class PictureBlock {
   public:
     PictureBlock() = default;
@@ -28,8 +28,8 @@ class PictureExporter {
   public:
     virtual ~PictureExporter() = default;
 
-    /// The pixels that Export will read, in place: bytes b, g, r, and one that plays no part, in the geometry that
-    /// the exporter was made for. They must stay readable during Export.
+    /// The pixels that Export will read, in place: bytes b, g, r, and one that plays no part, in the geometry
+    /// that the exporter was made for. They must stay readable during Export.
     virtual void SetInputPixels(const void* pixels) = 0;
 
     /// Compression quality: 256 is low, 512 normal, 768 high. 0, or -1 for any other value.
@@ -38,8 +38,8 @@ class PictureExporter {
     /// The block that Export fills; not owned.
     virtual int SetOutput(PictureBlock& block) = 0;
 
-    /// Replaces the block's contents by a baseline JPEG of the pixels, rows in memory order. 0, or -1 with the
-    /// block as it was.
+    /// Replaces the block's contents by a baseline JPEG of the pixels, rows in memory order. 0, or -1 with
+    /// the block as it was.
     virtual int Export() = 0;
 };
 

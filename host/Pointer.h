@@ -6,8 +6,8 @@
 
 namespace host {
 
-/// A view of the pointer's shape, owned by the port: 32 bits a pixel, the bytes in memory a, r, g, b with colours
-/// premultiplied by alpha; top row first, rows without padding. Valid until the port's next look.
+/// A view of the pointer's shape, owned by the port: 32 bits a pixel, the bytes in memory a, r, g, b with
+/// colours premultiplied by alpha; top row first, rows without padding. Valid until the port's next look.
 struct PointerPicture {
     const uint8_t* pixels = nullptr;
     int width = 0;
@@ -17,8 +17,9 @@ struct PointerPicture {
 
 /// The pointer. One thread at a time.
 ///
-/// IsVisible() takes a look at the machine's pointer; Location(), Seed() and Picture() tell what that look saw, so
-/// that a place, a hot spot and a shape always belong together and cost one exchange with the machine.
+/// IsVisible() takes a look at the machine's pointer; Location(), Seed() and Picture() tell what that look
+/// saw, so that a place, a hot spot and a shape always belong together and cost one exchange with the
+/// machine.
 class Pointer {
   public:
     virtual ~Pointer() = default;

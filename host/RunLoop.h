@@ -15,11 +15,12 @@ class RunLoop {
     /// Ends Run. Any thread, and signal handlers.
     virtual void Stop() = 0;
 
-    /// Calls \p ready on the main thread whenever \p descriptor can be read (or has an error). The descriptor stays
-    /// its owner's. Main thread only.
+    /// Calls \p ready on the main thread whenever \p descriptor can be read (or has an error). The descriptor
+    /// stays its owner's. Main thread only.
     virtual void AddDescriptor(int descriptor, std::function<void()> ready) = 0;
 
-    /// Ends the calls for \p descriptor; nothing if there are none. Main thread only, also from inside a call.
+    /// Ends the calls for \p descriptor; nothing if there are none. Main thread only, also from inside a
+    /// call.
     virtual void RemoveDescriptor(int descriptor) = 0;
 };
 

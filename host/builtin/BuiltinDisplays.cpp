@@ -1,0 +1,68 @@
+#include "BuiltinDisplays.h"
+
+namespace host {
+namespace {
+
+constexpr std::array<PixelRect, 2> kPlaces{{{0, 0, 1280, 720}, {1280, 0, 1024, 768}}};
+constexpr PixelRect kDesktop{0, 0, 1280 + 1024, 768};
+constexpr int kRowBytes = kDesktop.width * 4;
+
+/// The ids count from 1, in the order of the places.
+const PixelRect* place_of(DisplayId id) {
+    return id >= 1 && id <= kPlaces.size() ? &kPlaces[id - 1] : nullptr;
+}
+
+TestCard card(std::vector<uint8_t>& desktop, DisplayId id) {
+    const Canvas whole(desktop.data(), kDesktop.width, kDesktop.height, kRowBytes);
+    return TestCard(whole.Part(*place_of(id)), static_cast<int>(id));
+}
+
+} // namespace
+
+BuiltinDisplays::BuiltinDisplays(Clock& clock)
+    : fClock(clock), fDesktop(kDesktop.Bytes()), fCards{card(fDesktop, 1), card(fDesktop, 2)} {}
+
+int BuiltinDisplays::ActiveDisplays(std::vector<DisplayId>& ids) {
+    ids = {1, 2};
+    return 0;
+}
+
+DisplayId BuiltinDisplays::MainDisplay() {
+    return 1;
+}
+
+Rect BuiltinDisplays::Bounds(DisplayId id) {
+    const PixelRect* place = place_of(id);
+    return place ? Rect{static_cast<double>(place->x), static_cast<double>(place->y),
+                        static_cast<double>(place->width), static_cast<double>(place->height)}
+                 : Rect{};
+}
+
+std::string BuiltinDisplays::ProductName(DisplayId id) {
+    return place_of(id) ? "Test Card " + std::to_string(id) : "";
+}
+
+int BuiltinDisplays::Picture(const Rect& area, Image& image) {
+    PixelRect wanted;
+    if (TruncateToPixels(area, wanted) != 0)
+        return -1;
+    const int64_t now = fClock.MicrosecondsSinceBoot();
+    for (size_t i = 0; i < fCards.size(); ++i) {
+        PixelRect shown = wanted.Intersection(kPlaces[i]);
+        shown.x -= kPlaces[i].x;
+        shown.y -= kPlaces[i].y;
+        fCards[i].Update(now, shown);
+    }
+    const PixelRect visible = wanted.Intersection(kDesktop);
+    image = visible == wanted ? view(wanted) : fComposed.Compose(wanted, visible, view(visible));
+    return 0;
+}
+
+Image BuiltinDisplays::view(const PixelRect& area) const {
+    if (area.IsEmpty())
+        return {};
+    const size_t offset = static_cast<size_t>(area.y) * kRowBytes + static_cast<size_t>(area.x) * 4;
+    return {fDesktop.data() + offset, area.width, area.height, kRowBytes};
+}
+
+} // namespace host

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "BuiltinDisplays.h"
+#include "BuiltinPointer.h"
+#include "PosixHost.h"
+
+namespace host {
+
+/// A machine that needs no display: test cards and a wandering pointer.
+class BuiltinHost : public PosixHost {
+  public:
+    BuiltinHost() : BuiltinHost(nullptr) {}
+    /// Everything that moves follows \p clock, which outlives the host.
+    explicit BuiltinHost(Clock& clock) : BuiltinHost(&clock) {}
+
+    const char* Name() const override { return "builtin"; }
+    Displays& DisplaysPort() override { return fDisplays; }
+    Pointer& PointerPort() override { return fPointer; }
+    Clock& ClockPort() override { return fClock; }
+
+  private:
+    explicit BuiltinHost(Clock* clock)
+        : fClock(clock ? *clock : PosixHost::ClockPort()), fDisplays(fClock), fPointer(fClock) {}
+
+    Clock& fClock;
+    BuiltinDisplays fDisplays;
+    BuiltinPointer fPointer;
+};
+
+} // namespace host

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+
+#include "Canvas.h"
+
+namespace host {
+
+/// A display's test card: colour bars, grey scales, fine lines, a circle, marks that tell every edge and
+/// corner apart, a clock and a block that runs along a track. It paints into pixels that it is given; all
+/// that it shows is a pure function of the display's number, its size and the time.
+class TestCard {
+  public:
+    /// Paints the still part at once; \p canvas covers the display.
+    TestCard(const Canvas& canvas, int number);
+
+    /// Paints the moving parts that touch \p area, which counts from the card's corner.
+    void Update(int64_t microseconds, const PixelRect& area);
+
+    /// The moving parts: the clock's box and the block's track.
+    PixelRect ClockArea() const;
+    PixelRect TrackArea() const;
+
+  private:
+    PixelRect panel(int rowStart, int rowEnd) const;
+
+    void paint_grid();
+    void paint_edges();
+    void paint_corners();
+    void paint_labels();
+    void paint_panel(int number);
+    void paint_colour_bars(const PixelRect& area);
+    void paint_grey_ramp(const PixelRect& area);
+    void paint_grey_steps(const PixelRect& area);
+    void paint_fine_patterns(const PixelRect& area);
+    void paint_stripes(const PixelRect& area, int columnPeriod, int rowPeriod);
+    void paint_centred(const std::string& text, const PixelRect& area, uint32_t colour);
+    void paint_clock(int64_t microseconds);
+    void paint_track(int64_t microseconds);
+
+    Canvas fCanvas;
+    int fUnit; ///< An eighteenth of the height: everything is placed by it.
+};
+
+} // namespace host

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "ComposedPicture.h"
+#include "X11Grabber.h"
+
+namespace host {
+
+/// The monitors of an X screen, or the whole screen where the server knows no monitors.
+class X11Displays : public Displays {
+  public:
+    X11Displays(const X11Connection& connection, X11Transport transport);
+
+    int ActiveDisplays(std::vector<DisplayId>& ids) override;
+    /// The primary monitor, else the one at the origin, else the first.
+    DisplayId MainDisplay() override;
+    Rect Bounds(DisplayId id) override;
+    std::string ProductName(DisplayId id) override;
+    int Picture(const Rect& area, Image& image) override;
+
+    X11Transport Transport() const { return fGrabber.Transport(); }
+
+  private:
+    struct Monitor {
+        DisplayId id;
+        PixelRect place;
+        bool isPrimary;
+    };
+    int list_monitors(std::vector<Monitor>& monitors) const;
+    int list_randr_monitors(std::vector<Monitor>& monitors) const;
+
+    const X11Connection& fConnection;
+    X11Grabber fGrabber;
+    PixelRect fScreen; ///< As of the last picture.
+    ComposedPicture fComposed;
+};
+
+} // namespace host
