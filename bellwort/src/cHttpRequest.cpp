@@ -2,9 +2,9 @@
 
 #include <strings.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
-#include <string_view>
 
 #include "cHttpHandler.h"
 
@@ -22,14 +22,46 @@ bool starts_with_ignoring_case(const char* text, std::string_view prefix) {
 
 } // namespace
 
+bool cHttpText::Append(const char* bytes, size_t size) {
+    if (fSize + size > fCapacity && !make_room(fSize + size))
+        return false;
+    if (size > 0) {
+        memcpy(fBlock.get() + fSize, bytes, size);
+        fSize += size;
+        fBlock.get()[fSize] = '\0';
+    }
+    return true;
+}
+
+bool cHttpText::make_room(size_t size) {
+    const size_t capacity = std::max(size, fCapacity * 2);
+    auto* block = static_cast<char*>(realloc(fBlock.get(), capacity + 1));
+    if (block == nullptr)
+        return false;
+    static_cast<void>(fBlock.release()); // realloc has taken it over.
+    fBlock.reset(block);
+    fCapacity = capacity;
+    return true;
+}
+
+void cHttpText::Clear() {
+    fSize = 0;
+    if (fCapacity > kKeptCapacity) {
+        fBlock.reset();
+        fCapacity = 0;
+    } else if (fBlock) {
+        *fBlock = '\0';
+    }
+}
+
 cHttpRequest::State cHttpRequest::Append(const char* bytes, size_t size) {
-    if (fMalformed)
+    if (fProgress.malformed)
         return State::kMalformed;
-    fText.append(bytes, strnlen(bytes, size));
-    fMalformed = is_malformed();
-    if (fMalformed) {
+    if (!fText.Append(bytes, strnlen(bytes, size)))
+        return State::kTooLarge;
+    if (is_malformed()) {
         Clear();
-        fMalformed = true;
+        fProgress.malformed = true;
         return State::kMalformed;
     }
     find_content_length();
@@ -38,58 +70,54 @@ cHttpRequest::State cHttpRequest::Append(const char* bytes, size_t size) {
 }
 
 void cHttpRequest::Clear() {
-    std::string text = std::move(fText);
-    *this = cHttpRequest();
-    if (text.capacity() <= kKeptCapacity) {
-        text.clear();
-        fText = std::move(text);
-    }
+    fText.Clear();
+    fProgress = Progress();
 }
 
 bool cHttpRequest::is_malformed() const {
-    return fText.size() >= kMethodLength && !starts_with_ignoring_case(Text(), "GET") &&
+    return fText.Size() >= kMethodLength && !starts_with_ignoring_case(Text(), "GET") &&
            !starts_with_ignoring_case(Text(), "POST");
 }
 
 /// Deliberate: the first match anywhere counts, in another header's value or in the body as well, as clients
 /// of this server have always had it.
 void cHttpRequest::find_content_length() {
-    while (fLengthText == kNotFound) {
-        const size_t colon = fText.find(':', fSearchedForLength);
+    while (fProgress.lengthText == kNotFound) {
+        const size_t colon = fText.View().find(':', fProgress.searchedForLength);
         if (colon == kNotFound) {
-            fSearchedForLength = fText.size();
+            fProgress.searchedForLength = fText.Size();
             return;
         }
-        fSearchedForLength = colon + 1;
+        fProgress.searchedForLength = colon + 1;
         const size_t length = kLengthName.size();
         if (colon + 1 >= length && starts_with_ignoring_case(Text() + colon + 1 - length, kLengthName))
-            fLengthText = colon + 1;
+            fProgress.lengthText = colon + 1;
     }
 }
 
 void cHttpRequest::find_body() {
-    if (fBody != kNotFound)
+    if (fProgress.body != kNotFound)
         return;
-    const size_t end = fText.find(kHeaderEnd, fSearchedForBody);
+    const size_t end = fText.View().find(kHeaderEnd, fProgress.searchedForBody);
     if (end != kNotFound)
-        fBody = end + kHeaderEnd.size();
-    else if (fText.size() >= kHeaderEnd.size())
-        fSearchedForBody = fText.size() - kHeaderEnd.size() + 1;
+        fProgress.body = end + kHeaderEnd.size();
+    else if (fText.Size() >= kHeaderEnd.size())
+        fProgress.searchedForBody = fText.Size() - kHeaderEnd.size() + 1;
 }
 
 cHttpRequest::State cHttpRequest::state() {
-    if (fBody == kNotFound)
+    if (fProgress.body == kNotFound)
         return State::kIncomplete;
-    if (fLengthText != kNotFound && !fLengthIsFinal)
+    if (fProgress.lengthText != kNotFound && !fProgress.lengthIsFinal)
         read_content_length();
-    const auto available = static_cast<long>(fText.size() - fBody);
-    return available < fContentLength ? State::kIncomplete : State::kComplete;
+    const auto available = static_cast<long>(fText.Size() - fProgress.body);
+    return available < fProgress.contentLength ? State::kIncomplete : State::kComplete;
 }
 
 /// Reads the value as `sscanf` reads "%d": leading white space, a sign, digits; no number is 0. What does not
 /// fit an int is held at its limit.
 void cHttpRequest::read_content_length() {
-    const char* next = Text() + fLengthText;
+    const char* next = Text() + fProgress.lengthText;
     next += strspn(next, " \t\r\n\v\f");
     const bool negative = *next == '-';
     if (*next == '-' || *next == '+')
@@ -97,10 +125,10 @@ void cHttpRequest::read_content_length() {
     long value = 0;
     for (; *next >= '0' && *next <= '9' && value < INT_MAX; ++next)
         value = value * 10 + (*next - '0');
-    fLengthIsFinal = *next != '\0';
+    fProgress.lengthIsFinal = *next != '\0';
     if (value > INT_MAX)
         value = INT_MAX;
-    fContentLength = negative ? -value : value;
+    fProgress.contentLength = negative ? -value : value;
 }
 
 int cHttpRequest::Method() const {

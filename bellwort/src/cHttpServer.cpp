@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <new>
 #include <system_error>
 
 #include "cBellwort.h"
@@ -139,6 +138,7 @@ void cHttpServer::accept_incoming() {
     zSocket* socket = nullptr;
     const int result = fListenSocket->Accept(&socket, 0);
     if (result == 0) {
+        socket->SetTCPNoDelay(); // Head and body leave in separate sends, which must not wait for each other.
         fClients.push_back(std::make_unique<cHttpServerData>(socket));
         fWatchList.Append(&fClients.back()->watch);
     } else if (result != zSocket::kWouldBlock) {
@@ -157,16 +157,12 @@ bool cHttpServer::handle_client_read(cHttpServerData& client) {
         result == 0 ? got > 0 : result == zSocket::kWouldBlock || result == zSocket::kInProgress;
     if (!usual)
         return false;
-    try {
-        if (client.request.Append(fReadBuffer.data(), static_cast<size_t>(got)) !=
-            cHttpRequest::State::kComplete)
-            return true;
-    } catch (const std::bad_alloc&) {
-        return false; // This client has sent more than the machine can hold; the others go on.
+    const cHttpRequest::State state = client.request.Append(fReadBuffer.data(), static_cast<size_t>(got));
+    if (state == cHttpRequest::State::kComplete) {
+        dispatch(client);
+        client.request.Clear();
     }
-    dispatch(client);
-    client.request.Clear();
-    return true;
+    return state != cHttpRequest::State::kTooLarge;
 }
 
 void cHttpServer::dispatch(cHttpServerData& client) {

@@ -67,8 +67,8 @@ void set_dotted(zString& text, uint32_t address) {
     text = dotted;
 }
 
-/// Deliberate: every wait counts whole seconds only, so that a time-out below 1000 does not wait; the server's
-/// pace and the clients' time-outs are built on it.
+/// Deliberate: every wait counts whole seconds only, so that a time-out below 1000 does not wait; the
+/// server's pace and the clients' time-outs are built on it.
 int whole_seconds(int milliseconds) {
     return std::max(milliseconds, 0) / 1000;
 }
@@ -144,7 +144,8 @@ int zSocket::Send(const void* data, int size, int* sent, int timeout) {
             return code_of_errno();
         next += written;
         remaining -= static_cast<int>(written);
-        // Deliberate: the wait stands behind each write, the last one too, and its outcome shows in the next write.
+        // Deliberate: the wait stands behind each write, the last one too, and its outcome shows in the next
+        // write.
         Impl::Select(fDescriptor, Impl::Direction::kWrite, whole_seconds(timeout));
     }
     if (sent != nullptr)
@@ -201,21 +202,22 @@ int zSocket::SelectWrite(int timeout, bool* writable) {
 int zSocket::Select(zHeap<_zSocket_select*>& list, int timeout, int* ready) {
     fd_set reads;
     FD_ZERO(&reads);
-    for (unsigned int i = 0; i < list.Count(); ++i)
-        if (list[i]->interest == _zSocket_select::kRead && list[i]->socket->IsSelectable())
-            FD_SET(list[i]->socket->fDescriptor, &reads);
+    for (const _zSocket_select* entry : list)
+        if (entry->interest == _zSocket_select::kRead && entry->socket->IsSelectable())
+            FD_SET(entry->socket->fDescriptor, &reads);
     timeval wait = {whole_seconds(timeout), 0};
     const int count = select(FD_SETSIZE, &reads, nullptr, nullptr, &wait);
     if (count < 0)
         return -1;
-    for (unsigned int i = 0; count > 0 && i < list.Count(); ++i) {
-        _zSocket_select& entry = *list[i];
-        entry.result = entry.interest == _zSocket_select::kWrite ? _zSocket_select::kWrite : 0;
-        if (entry.interest == _zSocket_select::kRead && entry.socket->IsSelectable() &&
-            FD_ISSET(entry.socket->fDescriptor, &reads))
-            entry.result = _zSocket_select::kRead;
-    }
     *ready = count;
+    if (count == 0)
+        return 0; // The results stay those of the last call that found something.
+    for (_zSocket_select* entry : list) {
+        entry->result = entry->interest == _zSocket_select::kWrite ? _zSocket_select::kWrite : 0;
+        if (entry->interest == _zSocket_select::kRead && entry->socket->IsSelectable() &&
+            FD_ISSET(entry->socket->fDescriptor, &reads))
+            entry->result = _zSocket_select::kRead;
+    }
     return 0;
 }
 

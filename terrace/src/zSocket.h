@@ -52,19 +52,19 @@ class zSocket {
     zSocket& operator=(const zSocket&) = delete;
 
     virtual ~zSocket();
-    /// Opens a stream socket, or a datagram socket with `kDatagram`; non-blocking unless `kBlocking` is given.
-    /// A platform that refuses is not noticed here: the calls that follow fail.
+    /// Opens a stream socket, or a datagram socket with `kDatagram`; non-blocking unless `kBlocking` is
+    /// given. A platform that refuses is not noticed here: the calls that follow fail.
     virtual int Create(unsigned int flags);
     /// Connects to a name or a dotted address; a name that is not found connects to nothing. A non-blocking
     /// socket answers `kInProgress`. The last argument plays no part.
     virtual int Connect(const char* name, short port, int timeout);
     virtual int Listen(int backlog);
     /// Takes the next connection, non-blocking, into a new socket that the caller owns. A connection whose
-    /// descriptor would not fit a descriptor set is closed at once, and then, as when none waits, the result is
-    /// `kWouldBlock`.
+    /// descriptor would not fit a descriptor set is closed at once, and then, as when none waits, the result
+    /// is `kWouldBlock`.
     virtual int Accept(zSocket** accepted, unsigned int flags);
-    /// Sends all of `data`. After each write it waits up to `timeout` for room; a socket that is still full then
-    /// gives `kWouldBlock`, and what has left before it is not reported. `sent` may be null.
+    /// Sends all of `data`. After each write it waits up to `timeout` for room; a socket that is still full
+    /// then gives `kWouldBlock`, and what has left before it is not reported. `sent` may be null.
     virtual int Send(const void* data, int size, int* sent, int timeout);
     /// Reads until `size` bytes are there (0), the peer has closed (0), or no more waits (`kWouldBlock`, the
     /// ordinary end on a non-blocking socket). `got` counts what was read in every case.
@@ -80,18 +80,18 @@ class zSocket {
     int SendTo(const char* name, int port, const void* data, int size);
     /// Waits until there is something to read. A time-out is `kTimedOut`.
     int SelectRead(int timeout, bool* readable);
-    /// Waits until there is room to write. Deliberate: a time-out is 0 with the flag false, unlike `SelectRead`;
-    /// callers look at the flag.
+    /// Waits until there is room to write. Deliberate: a time-out is 0 with the flag false, unlike
+    /// `SelectRead`; callers look at the flag.
     int SelectWrite(int timeout, bool* writable);
     /// Waits until an entry of the list is ready and counts those that are. 0, or -1 with `ready` untouched.
-    /// Deliberate: only read interest is waited for, and entries with write interest count as writable in each
-    /// call that found something.
+    /// Deliberate: only read interest is waited for, and entries with write interest count as writable in
+    /// each call that found something.
     static int Select(zHeap<_zSocket_select*>& list, int timeout, int* ready);
     /// Not available on this platform: nothing is ever ready.
     static int Poll(zHeap<_zSocket_select*>& list, int timeout, int* ready);
 
-    /// Ends the connection, or the listening, but keeps the descriptor: whoever waits on it wakes up and finds
-    /// its end. From any thread, as long as the socket lives and no other thread is opening it.
+    /// Ends the connection, or the listening, but keeps the descriptor: whoever waits on it wakes up and
+    /// finds its end. From any thread, as long as the socket lives and no other thread is opening it.
     void Abort();
 
     /// These set options of the socket: 0, or -1 on failure.
@@ -115,9 +115,9 @@ class zSocket {
     /// True if `Select` can watch this socket: its descriptor fits a descriptor set.
     bool IsSelectable() const;
 
-    /// This machine's address for others to connect to, as dotted text: of the first interface named en*, else
-    /// eth*, else wl*, else of the host name. A loopback address is only the answer where there is no other. 0,
-    /// or -1 with an empty text. The first argument plays no part.
+    /// This machine's address for others to connect to, as dotted text: of the first interface named en*,
+    /// else eth*, else wl*, else of the host name. A loopback address is only the answer where there is no
+    /// other. 0, or -1 with an empty text. The first argument plays no part.
     static int GetLocalIPAddress(const char* interface, zString& address);
     /// The first address of a name, as dotted text.
     static int DNSLookup(const char* name, zString& address);

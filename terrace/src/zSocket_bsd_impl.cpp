@@ -96,7 +96,8 @@ int zSocket_bsd_impl::Accept(int descriptor, uint32_t& peerAddress) {
     int accepted = -1;
     do {
         socklen_t size = sizeof peer;
-        accepted = accept4(descriptor, reinterpret_cast<sockaddr*>(&peer), &size, SOCK_NONBLOCK | SOCK_CLOEXEC);
+        accepted =
+            accept4(descriptor, reinterpret_cast<sockaddr*>(&peer), &size, SOCK_NONBLOCK | SOCK_CLOEXEC);
     } while (accepted < 0 && (errno == EINTR || errno == ECONNABORTED));
     peerAddress = peer.sin_addr.s_addr;
     return accepted;

@@ -3,8 +3,8 @@
 #include <cstdint>
 
 /// The calls on BSD sockets that `zSocket` stands on, one operation per call, IPv4 only. Plain descriptors go
-/// in; a failure is -1 with the reason in `errno`, as from the platform. Addresses are in network order, ports in
-/// host order. Calls that a signal interrupts are repeated, `Select` and `Connect` apart.
+/// in; a failure is -1 with the reason in `errno`, as from the platform. Addresses are in network order,
+/// ports in host order. Calls that a signal interrupts are repeated, `Select` and `Connect` apart.
 class zSocket_bsd_impl {
   public:
     /// Which readiness one descriptor is waited for.

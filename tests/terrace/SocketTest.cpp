@@ -1,0 +1,250 @@
+#include "zSocket.h"
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Socket = std::unique_ptr<zSocket>;
+
+/// A listening socket on an ephemeral port, and pairs of connected sockets.
+class SocketTest : public testing::Test {
+  protected:
+    SocketTest() : fListener(zSocket::Factory()) {
+        EXPECT_EQ(fListener->Create(0), 0);
+        EXPECT_EQ(fListener->Bind(0, "127.0.0.1"), 0);
+        EXPECT_EQ(fListener->Listen(3), 0);
+        EXPECT_EQ(fListener->GetLocalPort(&fPort), 0);
+    }
+    Socket Connected() {
+        Socket client(zSocket::Factory());
+        client->Create(zSocket::kBlocking);
+        EXPECT_EQ(client->Connect("127.0.0.1", static_cast<short>(fPort), 0), 0);
+        return client;
+    }
+    Socket Accepted(unsigned int flags = 0) {
+        EXPECT_EQ(fListener->SelectRead(5000, nullptr), 0);
+        zSocket* accepted = nullptr;
+        EXPECT_EQ(fListener->Accept(&accepted, flags), 0);
+        return Socket(accepted);
+    }
+
+    Socket fListener;
+    unsigned short fPort = 0;
+};
+
+TEST_F(SocketTest, AcceptStoresThePeerAsAskedAndNeverBlocks) {
+    zSocket* none = nullptr;
+    EXPECT_EQ(fListener->Accept(&none, 0), zSocket::kWouldBlock);
+    const Socket clients[] = {Connected(), Connected(), Connected()};
+    EXPECT_STREQ(clients[0]->Address(), "127.0.0.1");
+    EXPECT_EQ(Accepted()->Address(), nullptr);
+    EXPECT_EQ(Accepted(zSocket::kStoreAddress)->NumAddress(), 0u);
+    const Socket accepted = Accepted(zSocket::kStoreNumericAddress);
+    EXPECT_STREQ(accepted->Address(), "127.0.0.1");
+    EXPECT_EQ(zSocket::ntoh_l(accepted->NumAddress()), 0x7F000001u);
+    EXPECT_TRUE(fcntl(accepted->Descriptor(), F_GETFL) & O_NONBLOCK);
+}
+
+TEST_F(SocketTest, ReceiveTellsMoreFromEmptyFromClosed) {
+    const Socket client = Connected();
+    const Socket server = Accepted();
+    char bytes[4] = {};
+    int got = 9;
+    EXPECT_EQ(server->Receive(bytes, 4, &got), zSocket::kWouldBlock);
+    EXPECT_EQ(got, 0);
+    EXPECT_EQ(client->Send("sixsix", 6, &got, 0), 0);
+    EXPECT_EQ(got, 6);
+    EXPECT_EQ(server->SelectRead(5000, nullptr), 0);
+    EXPECT_EQ(server->Receive(bytes, 4, &got), 0);
+    EXPECT_EQ(std::string(bytes, 4), "sixs");
+    EXPECT_EQ(server->Receive(bytes, 4, &got), zSocket::kWouldBlock);
+    EXPECT_EQ(got, 2);
+    client->Abort();
+    EXPECT_EQ(server->SelectRead(5000, nullptr), 0);
+    EXPECT_EQ(server->Receive(bytes, 4, &got), 0);
+    EXPECT_EQ(got, 0);
+    EXPECT_EQ(server->ReceivePending(bytes, 4, &got), 0);
+    EXPECT_EQ(got, 0);
+}
+
+TEST_F(SocketTest, SendToFullAndToGonePeersFailsWithoutASignal) {
+    Socket client = Connected();
+    const Socket server = Accepted();
+    const std::vector<char> large(64 << 20);
+    int sent = 7;
+    EXPECT_EQ(server->Send(large.data(), static_cast<int>(large.size()), &sent, 999), zSocket::kWouldBlock);
+    EXPECT_EQ(sent, 0) << "what has left is not reported";
+    bool writable = true;
+    EXPECT_EQ(server->SelectWrite(0, &writable), 0);
+    EXPECT_FALSE(writable);
+    client.reset();
+    EXPECT_EQ(server->SelectWrite(5000, &writable), 0);
+    EXPECT_TRUE(writable);
+    EXPECT_EQ(server->Send("x", 1, nullptr, 0), zSocket::kReset);
+    EXPECT_EQ(server->Send("x", 1, nullptr, 0), zSocket::kOtherError);
+    EXPECT_EQ(server->Send(nullptr, 0, &sent, 5000), 0);
+}
+
+TEST_F(SocketTest, WaitsCountWholeSecondsOnly) {
+    const auto start = std::chrono::steady_clock::now();
+    bool readable = true;
+    EXPECT_EQ(fListener->SelectRead(500, &readable), zSocket::kTimedOut);
+    EXPECT_FALSE(readable);
+    EXPECT_EQ(fListener->SelectRead(-5000, nullptr), zSocket::kTimedOut);
+    zHeap<_zSocket_select*> none;
+    int ready = 7;
+    EXPECT_EQ(zSocket::Select(none, 999, &ready), 0);
+    EXPECT_EQ(ready, 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
+    EXPECT_EQ(zSocket::Select(none, 1999, &ready), 0);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(990));
+}
+
+TEST_F(SocketTest, SelectReportsReadersAndTakesWritersForGranted) {
+    const Socket client = Connected();
+    const Socket server = Accepted();
+    _zSocket_select listener{fListener.get(), _zSocket_select::kRead, 0};
+    _zSocket_select reader{server.get(), _zSocket_select::kRead, 0};
+    _zSocket_select writer{client.get(), _zSocket_select::kWrite, 0};
+    zHeap<_zSocket_select*> list;
+    for (_zSocket_select* entry : {&listener, &reader, &writer})
+        list.Append(entry);
+    int ready = 7;
+    EXPECT_EQ(zSocket::Select(list, 0, &ready), 0);
+    EXPECT_EQ(ready, 0);
+    EXPECT_EQ(writer.result, 0);
+    client->Send("x", 1, nullptr, 0);
+    EXPECT_EQ(zSocket::Select(list, 5000, &ready), 0);
+    EXPECT_EQ(ready, 1);
+    EXPECT_EQ(listener.result, 0);
+    EXPECT_EQ(reader.result, _zSocket_select::kRead);
+    EXPECT_EQ(writer.result, _zSocket_select::kWrite);
+    char byte;
+    int got = 0;
+    server->Receive(&byte, 1, &got);
+    EXPECT_EQ(zSocket::Select(list, 0, &ready), 0);
+    EXPECT_EQ(reader.result, _zSocket_select::kRead) << "a time-out leaves the last results";
+    EXPECT_EQ(zSocket::Poll(list, 5000, &ready), 0);
+    EXPECT_EQ(ready, 0);
+}
+
+TEST_F(SocketTest, NamesThatDoNotResolveConnectToNothing) {
+    Socket client(zSocket::Factory());
+    client->Create(zSocket::kBlocking);
+    const auto port = static_cast<short>(fPort);
+    for (const char* name : {"256.1.1.1", "1.2.3.4.5", "", "no such host"})
+        EXPECT_EQ(client->Connect(name, port, 0), zSocket::kUnknownHost) << name;
+    EXPECT_EQ(client->Connect(nullptr, port, 0), zSocket::kBadArgument);
+    EXPECT_EQ(client->SendTo("256.1.1.1", fPort, "x", 1), zSocket::kUnknownHost);
+    zSocket* none = nullptr;
+    EXPECT_EQ(fListener->Accept(&none, 0), zSocket::kWouldBlock);
+
+    zString address("old");
+    EXPECT_EQ(zSocket::DNSLookup(nullptr, address), -22);
+    EXPECT_EQ(zSocket::DNSLookup("256.1.1.1", address), -19);
+    EXPECT_EQ(zSocket::DNSLookup("localhost", address), 0);
+    EXPECT_STREQ(address, "127.0.0.1");
+}
+
+TEST_F(SocketTest, PlatformErrorsHaveTheirCodes) {
+    Socket second(zSocket::Factory());
+    second->Create(0);
+    EXPECT_EQ(second->Bind(static_cast<short>(fPort), "127.0.0.1"), zSocket::kAddressInUse);
+    EXPECT_EQ(second->Bind(0, "not.an.address."), zSocket::kUnknownHost);
+    EXPECT_EQ(second->Connect("127.0.0.1", static_cast<short>(fPort), 0), zSocket::kInProgress);
+    EXPECT_EQ(second->SelectWrite(5000, nullptr), 0);
+    EXPECT_EQ(second->Connect("127.0.0.1", static_cast<short>(fPort), 0), 0);
+    EXPECT_EQ(second->Connect("127.0.0.1", static_cast<short>(fPort), 0), zSocket::kConnected);
+    fListener.reset();
+    Socket refused(zSocket::Factory());
+    refused->Create(zSocket::kBlocking);
+    EXPECT_EQ(refused->Connect("127.0.0.1", static_cast<short>(fPort), 0), zSocket::kRefused);
+}
+
+TEST_F(SocketTest, SocketWithoutDescriptorFailsQuietly) {
+    zSocket none;
+    int got = 0;
+    bool flag = true;
+    char byte = 0;
+    EXPECT_LT(none.Send(&byte, 1, nullptr, 0), 0);
+    EXPECT_LT(none.Receive(&byte, 1, &got), 0);
+    EXPECT_EQ(none.SetTCPNoDelay(), -1);
+    EXPECT_EQ(none.Multicast_AddMembership("not a group"), -1);
+    EXPECT_LT(none.Listen(1), 0);
+    none.SelectWrite(0, &flag);
+}
+
+TEST_F(SocketTest, DescriptorsBeyondTheSetsAreNeverWaitedFor) {
+    rlimit old = {};
+    getrlimit(RLIMIT_NOFILE, &old);
+    rlimit raised = old;
+    raised.rlim_cur = std::min<rlim_t>(old.rlim_max, 4096);
+    if (raised.rlim_cur < 1100)
+        GTEST_SKIP() << "this machine allows too few open files";
+    setrlimit(RLIMIT_NOFILE, &raised);
+    Socket early = Connected();
+    Accepted();
+    std::vector<int> fillers;
+    while (fillers.empty() || fillers.back() < FD_SETSIZE)
+        fillers.push_back(open("/dev/null", O_RDONLY | O_CLOEXEC));
+
+    Socket high = Connected();
+    EXPECT_FALSE(high->IsSelectable());
+    EXPECT_EQ(high->Send("x", 1, nullptr, 5000), 0);
+    bool flag = true;
+    EXPECT_EQ(high->SelectRead(5000, &flag), zSocket::kOtherError);
+    EXPECT_FALSE(flag);
+    _zSocket_select entry{high.get(), _zSocket_select::kRead, 0};
+    zHeap<_zSocket_select*> list;
+    list.Append(&entry);
+    int ready = 7;
+    EXPECT_EQ(zSocket::Select(list, 0, &ready), 0);
+    EXPECT_EQ(ready, 0);
+    zSocket* accepted = nullptr;
+    EXPECT_EQ(fListener->SelectRead(5000, nullptr), 0);
+    EXPECT_EQ(fListener->Accept(&accepted, 0), zSocket::kWouldBlock);
+    EXPECT_EQ(accepted, nullptr);
+
+    for (const int filler : fillers)
+        close(filler);
+    setrlimit(RLIMIT_NOFILE, &old);
+}
+
+TEST(SocketDatagramTest, SendToReportsItsBytes) {
+    Socket receiver(zSocket::Factory());
+    receiver->Create(zSocket::kDatagram);
+    ASSERT_EQ(receiver->Bind(0), 0);
+    unsigned short port = 0;
+    receiver->GetLocalPort(&port);
+    Socket sender(zSocket::Factory());
+    sender->Create(zSocket::kDatagram);
+    EXPECT_EQ(sender->SetBroadcast(), 0);
+    EXPECT_EQ(sender->SetSendBufferSize(65536), 0);
+    EXPECT_EQ(sender->SendTo("localhost", port, "datagram", 8), 8);
+    char bytes[16] = {};
+    int got = 0;
+    EXPECT_EQ(receiver->SelectRead(5000, nullptr), 0);
+    EXPECT_EQ(receiver->ReceivePending(bytes, sizeof bytes, &got), 0);
+    EXPECT_EQ(std::string(bytes, static_cast<size_t>(got)), "datagram");
+}
+
+TEST(SocketAddressTest, LocalAddressIsDottedText) {
+    zString address;
+    in_addr parsed = {};
+    if (zSocket::GetLocalIPAddress(nullptr, address) == 0) {
+        EXPECT_EQ(inet_aton(address, &parsed), 1) << address;
+    } else {
+        EXPECT_TRUE(address.IsEmpty());
+    }
+}
+
+} // namespace
