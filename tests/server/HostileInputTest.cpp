@@ -54,7 +54,7 @@ TEST_F(HostileInputTest, AbsurdParametersGetNoPictureOrTheUsualOne) {
         {"<params><param><value>text</value></param></params>", true},
         {struct_param(member("quality", "string", "worst") + member("unknown", "int", "1")), true},
         {struct_param(member("crop_left", "string", "not a number")), true},
-        {struct_param(member("crop_left", "int", "99999999999999999999999")), false},
+        {struct_param(member("crop_left", "int", "99999999999999999999999")), true},
         {struct_param(member("crop_left", "int", "2147483648")), false},
         {struct_param(member("crop_right", "int", "-2147483648")), false},
         {struct_param(member("crop_left", "int", "-50000") + member("crop_top", "int", "-50000")), false},
@@ -132,8 +132,12 @@ TEST_F(HostileInputTest, NULsAndTruncatedRequestsHarmOnlyTheirOwnConnection) {
 
     const std::string request = TestClient::Request(call);
     for (size_t length = 0; length < request.size(); length += 7) {
-        TestClient client(Port());
-        client.Send(std::string_view(request).substr(0, length));
+        {
+            TestClient client(Port());
+            client.Send(std::string_view(request).substr(0, length));
+        }
+        // The server's queue of new connections is short: let it take this one before the next comes.
+        EXPECT_TRUE(TestClient(Port()).Call("CheckConnection"));
     }
     TestClient endless(Port(), 300);
     std::string headers = "POST / HTTP/1.1\r\n";
@@ -145,6 +149,7 @@ TEST_F(HostileInputTest, NULsAndTruncatedRequestsHarmOnlyTheirOwnConnection) {
 }
 
 TEST_F(HostileInputTest, MutatedCallsNeverHarm) {
+    constexpr int kPatienceMs = 20; // Some of the calls fail, and those get no answer.
     std::mt19937 random(20240607);
     const std::string call = TestClient::MethodCall(
         "Snapshot", struct_param(member("quality", "string", "high") + member("crop_left", "int", "5")));
@@ -166,8 +171,8 @@ TEST_F(HostileInputTest, MutatedCallsNeverHarm) {
             if (body.empty())
                 body = call;
         }
-        TestClient client(Port());
-        client.Send(TestClient::Request(body));
+        TestClient client(Port(), kPatienceMs);
+        client.Post(body);
     }
     EXPECT_TRUE(StillServes());
 }
