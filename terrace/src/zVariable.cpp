@@ -201,6 +201,14 @@ bool zVariable::SetCString(unsigned int id, const char* text) {
     return SetText(id, text, kWholeText);
 }
 
+namespace {
+
+bool begin_alike(const char* a, const char* b, unsigned int length) {
+    return (length == kWholeText ? std::strcmp(a, b) : std::strncmp(a, b, length)) == 0;
+}
+
+} // namespace
+
 bool zVariable::SetText(unsigned int id, const char* text, unsigned int length) {
     const bool wasText = Type() == kCString;
     const bool sameID = fID == id;
@@ -209,7 +217,7 @@ bool zVariable::SetText(unsigned int id, const char* text, unsigned int length) 
         const char* stored = stored_text();
         // Deliberate: of a given length only that much is compared, so a stored text that goes on stays as it
         // is; setters with a length have always told observers about changes in that way.
-        if (text == stored || (text != nullptr && std::strncmp(stored, text, length) == 0))
+        if (text == stored || (text != nullptr && begin_alike(stored, text, length)))
             return !sameID;
     }
     store_text(text, length);
