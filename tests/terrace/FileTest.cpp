@@ -1,0 +1,76 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <set>
+#include <string>
+
+#include "zDirectory.h"
+#include "zFSPath.h"
+#include "zFileStream.h"
+
+TEST(Path, GoesUpAndDown) {
+    zFSPath path("/usr/lib/");
+    EXPECT_STREQ(path.Path(), "/usr/lib");
+    path.GoChild("/x.d/");
+    EXPECT_STREQ(path.Path(), "/usr/lib/x.d");
+    EXPECT_STREQ(path.GetLeaf(), "x.d");
+    path.GoParent();
+    path.GoParent();
+    path.GoParent();
+    EXPECT_STREQ(path.Path(), "");
+    path.GoParent();
+    EXPECT_EQ(path.Length(), 0U);
+}
+
+TEST(Path, ExtensionBelongsToTheLastPart) {
+    const struct {
+        const char *path, *extension, *stripped;
+    } cases[] = {
+        {"/a/b.tar.gz", "gz", "/a/b.tar"}, {"/a.d/b", "", "/a.d/b"}, {"b", "", "b"}, {"b.", "", "b"}};
+    for (const auto& c : cases) {
+        zFSPath path(c.path);
+        EXPECT_STREQ(path.GetExtension(), c.extension);
+        path.StripFileExtension();
+        EXPECT_STREQ(path.Path(), c.stripped);
+    }
+    EXPECT_TRUE(zFSPath::HasExtension("a.xml", "xml"));
+    EXPECT_FALSE(zFSPath::HasExtension("a.XML", "xml"));
+    EXPECT_FALSE(zFSPath::HasExtension(nullptr, "xml"));
+    zFSPath foreign("a\\b\\c");
+    foreign.ConvertStringToLocalPathStyle();
+    EXPECT_STREQ(foreign.Path(), "a/b/c");
+}
+
+TEST(Directory, WalksFilesAndFolders) {
+    zString root;
+    ASSERT_EQ(zFileStream::CreateTemporaryFile(root, "glasspane_test_%ld"), 0);
+    ASSERT_EQ(zDirectory::MakeSureExists(root), 0);
+    ASSERT_EQ(zDirectory::MakeSureExists(root), 0);
+    const std::string folder = std::string(root) + "/folder";
+    const std::string file = std::string(root) + "/file";
+    ASSERT_EQ(zDirectory::MakeSureExists(folder.c_str()), 0);
+    EXPECT_EQ(zDirectory::MakeSureExists((folder + "/a/b").c_str()), -1) << "one level only";
+    zFileStream(file.c_str(), zFileStream::kWriteFile).Open();
+
+    const std::unique_ptr<zDirectory> directory(zDirectory::Factory());
+    ASSERT_EQ(directory->Open(root), 0);
+    zString name;
+    std::set<std::string> files;
+    std::set<std::string> folders;
+    unsigned int flags = 0;
+    while (directory->GetNextFile(name, &flags, false) == 0)
+        (flags & zDirectory::kIsDirectory ? folders : files).insert(std::string(name));
+    EXPECT_EQ(files, std::set<std::string>{"file"});
+    EXPECT_EQ(folders, (std::set<std::string>{".", "..", "folder"}));
+
+    ASSERT_EQ(directory->Restart(), 0);
+    EXPECT_EQ(directory->EntryForIndex(0, name, true, zDirectory::kIsDirectory), 0);
+    EXPECT_STREQ(name, file.c_str());
+    EXPECT_EQ(directory->EntryForIndex(0, name, true, zDirectory::kIsDirectory), -1);
+
+    EXPECT_EQ(directory->Delete(root), -1) << "not empty";
+    zFileStream::RemoveFile(file.c_str());
+    EXPECT_EQ(directory->Delete(folder.c_str()), 0);
+    EXPECT_EQ(directory->Delete(root), 0);
+    EXPECT_FALSE(zDirectory::Exists(root));
+}
