@@ -1,0 +1,241 @@
+#include "zXML.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "zBuffer.h"
+#include "zBufferStream.h"
+#include "zFileStream.h"
+#include "zMemPtrStream.h"
+#include "zString.h"
+
+namespace {
+
+std::string Written(const zRecord& record, unsigned int options = zXML::kAll) {
+    zBuffer buffer;
+    EXPECT_EQ(zXML::RecordToBuffer(&buffer, record, options, false, false), 0);
+    return std::string(buffer.Data(), buffer.Size());
+}
+
+int Parse(zRecord& root, const std::string& text, unsigned int options = zXML::kAll) {
+    return zXML::ParseBuffer(options, &root, text.c_str(), -1);
+}
+
+std::string Again(const std::string& text, unsigned int readOptions = zXML::kAll,
+                  unsigned int writeOptions = zXML::kAll) {
+    zRecord root;
+    EXPECT_EQ(Parse(root, text, readOptions), 0) << text;
+    return Written(root, writeOptions);
+}
+
+std::string Repeat(const std::string& text, int count) {
+    std::string result;
+    while (count-- > 0)
+        result += text;
+    return result;
+}
+
+std::string Encoded(const char* text) {
+    zString target;
+    EXPECT_EQ(zXML::EncodeString(text, target), 0);
+    return std::string(target);
+}
+
+std::string Html(const char* text) {
+    char target[256];
+    unsigned int size = sizeof target;
+    zXML::EncodeStringHTML(text, target, &size);
+    EXPECT_EQ(size, std::strlen(target));
+    return target;
+}
+
+} // namespace
+
+TEST(XML, DocumentsComeBackAsTheyWere) {
+    const char* const kDocuments[] = {
+        "<a b=\"1\" />\n",
+        "<a>\n\t<b>text</b>\n\t<c x=\"1,2,3,4\" y=\"word\" />\n</a>\n",
+        "<a>text<b />more</a>", // mixed content gets no white space, and no line end as the outermost element
+        "<a>\n\t<b>&lt;&amp;&gt;&quot;&apos;\xC3\xA4</b>\n</a>\n",
+    };
+    for (const char* document : kDocuments)
+        EXPECT_EQ(Again(document), document);
+    EXPECT_EQ(Again("<?xml version=\"1.0\"?><!-- no --><a><![CDATA[1<2]]></a>"), "<a>1&lt;2</a>");
+    EXPECT_EQ(Again("<a b='1.50' c='+1'/>"), "<a b=\"1.5\" c=\"+1\" />\n");
+}
+
+TEST(XML, OptionsSelectWhatIsReadAndWritten) {
+    const char* const kDocument = "<a x=\"1\"><b>text</b></a>";
+    EXPECT_EQ(Again(kDocument, zXML::kAll, zXML::kAttributes), "<a x=\"1\"><b></b></a>");
+    EXPECT_EQ(Again(kDocument, zXML::kAll, zXML::kText), "<a><b>text</b></a>");
+    EXPECT_EQ(Again(kDocument, zXML::kAttributes, zXML::kAttributes | zXML::kText), "<a x=\"1\"><b /></a>");
+    EXPECT_EQ(Again(kDocument, zXML::kText, zXML::kAttributes | zXML::kText), "<a><b>text</b></a>");
+}
+
+TEST(XML, WhiteSpaceGoesFromTheStartOfEachPiece) {
+    zRecord joined;
+    EXPECT_EQ(Parse(joined, "<a>\n\t one \n\t two\n<b/> \n</a>"), 0);
+    EXPECT_STREQ(zXML::GetText(joined, 0), "one two");
+    EXPECT_EQ(joined.ChildCount(), 2) << "a run of white space only is dropped";
+    zRecord kept;
+    EXPECT_EQ(Parse(kept, "<a>\n one\r\ntwo<b/> </a>", zXML::kAttributes | zXML::kText), 0);
+    EXPECT_STREQ(zXML::GetText(kept, 0), "\n one\ntwo");
+    EXPECT_STREQ(zXML::GetText(kept, 1), " ");
+    EXPECT_STREQ(zXML::GetText(kept, 2), "");
+}
+
+TEST(XML, MalformedDocumentsKeepWhatWasRead) {
+    zRecord root;
+    EXPECT_EQ(Parse(root, "<a><b>text</b><c>"), -1);
+    EXPECT_EQ(root.ChildCount(), 2);
+    EXPECT_STREQ(zXML::GetText(*root.Child(0), 0), "text");
+    zRecord cut;
+    EXPECT_EQ(Parse(cut, "<a><b>rest of it"), -1);
+    EXPECT_STREQ(zXML::GetText(*zXML::LocateTag(cut, zRecord::kXMLTag, "b"), 0), "");
+    for (const char* text :
+         {"", "no angle", "<a></b>", "<a>&undefined;</a>", "<a b='1' b='2'/>", "<a>\xFF</a>", ">"}) {
+        zRecord other;
+        EXPECT_EQ(Parse(other, text), -1) << text;
+    }
+    EXPECT_EQ(zXML::ParseBuffer(zXML::kAll, nullptr, "<a><b/>text</a>", -1), 0)
+        << "no root, nothing to build";
+    zRecord trailing;
+    EXPECT_EQ(Parse(trailing, "<a/> trailing bytes"), 0);
+    EXPECT_EQ(zXML::ParseBuffer(zXML::kAll, &trailing, "<a/></a>", 4), 0) << "the length counts";
+}
+
+TEST(XML, ANonEmptyRootIsAddedTo) {
+    zRecord root;
+    EXPECT_EQ(Parse(root, "<a x='1'>one</a>"), 0);
+    EXPECT_EQ(Parse(root, "<b y='2'>two<c/></b>"), 0);
+    EXPECT_EQ(Written(root), "<b x=\"1\" y=\"2\">onetwo<c /></b>");
+}
+
+TEST(XML, HostileDocumentsAreRefusedCheaply) {
+    for (const char* element : {"<a>", "<a b='1'>text"}) {
+        zRecord deep;
+        EXPECT_EQ(Parse(deep, Repeat(element, 100000)), -1);
+        EXPECT_EQ(zXML::LocateTag(deep, zRecord::kXMLTag, "none"), nullptr);
+        EXPECT_GT(Written(deep).size(), zXML::kMaxDepth);
+    }
+    zRecord balanced;
+    EXPECT_EQ(Parse(balanced, Repeat("<a>", zXML::kMaxDepth) + Repeat("</a>", zXML::kMaxDepth)), 0);
+
+    std::string bomb = "<!DOCTYPE a [<!ENTITY e0 \"0123456789abcdef0123456789abcdef\">";
+    for (int i = 1; i < 12; ++i) {
+        const std::string inner = "&e" + std::to_string(i - 1) + ";";
+        bomb += "<!ENTITY e" + std::to_string(i) + " \"" + Repeat(inner, 10) + "\">";
+    }
+    zRecord expanded;
+    EXPECT_EQ(Parse(expanded, bomb + "]><a>&e11;</a>"), -1);
+    EXPECT_LT(std::strlen(zXML::GetText(expanded, 0)), 20u << 20);
+
+    std::string attributes = "<a";
+    for (unsigned int i = 0; i <= zXML::kMaxAttributes; ++i)
+        attributes += " a" + std::to_string(i) + "=''";
+    zRecord crowded;
+    EXPECT_EQ(Parse(crowded, attributes + "/>"), -1);
+
+    zRecord pieces; // 400,000 pieces of one run
+    EXPECT_EQ(Parse(pieces, "<a>" + Repeat("x\n", 200000) + "</a>", zXML::kText), 0);
+    EXPECT_EQ(std::strlen(zXML::GetText(pieces, 0)), 400000u);
+}
+
+TEST(XML, StreamsAndFilesCarryDocuments) {
+    zRecord root;
+    EXPECT_EQ(Parse(root, "<a><b c='d'>" + Repeat("word", 3000) + "</b></a>"), 0);
+    zBuffer buffer;
+    EXPECT_EQ(zXML::RecordToBuffer(&buffer, root, zXML::kAll, true, true), 0);
+    EXPECT_EQ(std::string(buffer.Data()), kXML_Header + Written(root)) << "ends in a zero byte";
+    EXPECT_EQ(std::strlen(buffer.Data()) + 1, buffer.Size());
+    EXPECT_EQ(zXML::RecordToBuffer(&buffer, zRecord("x"), zXML::kAttributes, false, false), 0);
+    EXPECT_EQ(std::string(buffer.Data(), buffer.Size()), "<x />") << "replaces what the buffer held";
+
+    zRecord again;
+    const std::string text = Written(root);
+    zBuffer view(const_cast<char*>(text.data()), static_cast<unsigned int>(text.size()), false);
+    EXPECT_EQ(zXML::BufferToRecord(&again, view, zXML::kAll), 0);
+    EXPECT_TRUE(zXML::AreRecordsEqualUsingXMLBuffers(root, again));
+    EXPECT_EQ(Written(again), text);
+    again.Child(0)->SetInt32("c", 1);
+    EXPECT_FALSE(zXML::AreRecordsEqualUsingXMLBuffers(root, again));
+
+    const std::string path = testing::TempDir() + "xml_test_document.xml";
+    EXPECT_EQ(zXML::WriteFile(zXML::kAll, &root, path.c_str(), "\r\n", 1), 0);
+    zRecord fromFile;
+    EXPECT_EQ(zXML::ParseFile(zXML::kAll, &fromFile, path.c_str()), 0);
+    EXPECT_EQ(Written(fromFile), text);
+    zFileStream::RemoveFile(path.c_str());
+    EXPECT_EQ(zXML::ParseFile(zXML::kAll, &fromFile, path.c_str()), -1);
+}
+
+TEST(XML, ValuesThatCannotBeWrittenAreLeftOutAlone) {
+    zRecord root("a");
+    root.SetCString("bad", "bell\x07");
+    root.SetInt32("good", 1);
+    root.SetCString("long", Repeat("&", 2000).c_str());
+    EXPECT_EQ(Written(root), "<a good=\"1\" long=\"" + Repeat("&amp;", 2000) + "\" />\n");
+    zXML::AddTextChild(root, "also \x01 bad", -1);
+    EXPECT_EQ(Written(root, zXML::kText), "<a></a>");
+    zBuffer buffer;
+    EXPECT_EQ(zXML::RecordToBuffer(&buffer, *root.Child(0), zXML::kAll, false, false), -1);
+    EXPECT_EQ(Written(zRecord(), zXML::kAll), "<xml_tag />\n");
+}
+
+TEST(XML, EncodesIntoLimitedRoom) {
+    EXPECT_EQ(Encoded("a\r\nb\n\rc\rd\ne\tf"), "a\nb\nc\nd\ne\tf");
+    EXPECT_EQ(Encoded(""), "");
+    char target[9];
+    int line = -1;
+    for (unsigned int room = 0; room < sizeof target; ++room) {
+        std::memset(target, 'X', sizeof target);
+        unsigned int size = room;
+        EXPECT_EQ(zXML::EncodeString("ab&", target, &size, nullptr), room > 7 ? 0 : -1);
+        EXPECT_EQ(size, 7u);
+        EXPECT_EQ(target[8], 'X') << "nothing beyond the room";
+    }
+    unsigned int size = sizeof target;
+    EXPECT_EQ(zXML::EncodeString("a\n\x02", target, &size, &line), -16);
+    EXPECT_EQ(line, 1);
+    size = 0;
+    EXPECT_EQ(zXML::EncodeString("<>", nullptr, &size, nullptr), -1);
+    EXPECT_EQ(size, 8u) << "without a target, the length alone";
+}
+
+TEST(XML, FindsAndStripsRecords) {
+    zRecord root;
+    EXPECT_EQ(Parse(root, "<a>t1<b>t2</b><c n='5'/>t3<d only_for_os='mac'><e only_for_os='win'/><f/></d>"
+                          "<g only_for_os='linux'/></a>"),
+              0);
+    EXPECT_EQ(zXML::GetChild(root, 1), root.Child(2));
+    EXPECT_EQ(zXML::GetChild(root, 4), nullptr);
+    EXPECT_STREQ(zXML::GetText(root, 1), "t3");
+    EXPECT_EQ(zXML::LocateTag(root, static_cast<unsigned int>(zStringID::ID("n")), "5"), root.Child(2));
+    zXML::RemoveOSSpecificAreas(root);
+    EXPECT_EQ(Written(root), "<a>t1<b>t2</b><c n=\"5\" />t3<d><f /></d></a>");
+    zXML::StripText(root, false);
+    EXPECT_EQ(Written(root, zXML::kText), "<a><b>t2</b><c /><d><f /></d></a>");
+    zXML::StripText(root, true);
+    zXML::StripNamedTags(root, "f", true);
+    zXML::RemoveEmptyRecords(root, true);
+    EXPECT_EQ(Written(root, zXML::kAttributes), "<a><b /><c n=\"5\" /><d /></a>");
+    zXML::StripTags(root, true);
+    EXPECT_EQ(Written(root, zXML::kText), "<xml_tag><xml_tag /><xml_tag /><xml_tag /></xml_tag>");
+    zRecord text;
+    zXML::SetText(text, "longer text", -1);
+    zXML::SetText(text, "longest", 4);
+    EXPECT_STREQ(text.AsCString(zXML::kXMLText, ""), "long");
+}
+
+TEST(XML, EscapesForHtml) {
+    EXPECT_EQ(Html("<\xC3\x84\xC3\xBC\xC3\x85>\xC2\xA1\xC2\xA9 \xE2\t~\r\n"),
+              "&lt;&Auml;&uuml;&#197;&gt;&iexcl;&???; &#226;&#9;~\n");
+    EXPECT_EQ(Html("\xC3"), "&#195;") << "a cut pair";
+    char target[6];
+    unsigned int size = sizeof target;
+    zXML::EncodeStringHTML("abc&d", target, &size);
+    EXPECT_STREQ(target, "abc");
+    EXPECT_EQ(size, 9u);
+}
