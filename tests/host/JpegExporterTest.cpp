@@ -1,0 +1,208 @@
+#include "ImageExporter.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <turbojpeg.h>
+
+namespace {
+std::atomic<size_t> gAllocations{0};
+}
+
+void* operator new(size_t size) {
+    ++gAllocations;
+    if (void* memory = std::malloc(size ? size : 1))
+        return memory;
+    std::abort();
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, size_t) noexcept {
+    std::free(memory);
+}
+
+namespace {
+
+struct Picture {
+    int width = 0;
+    int height = 0;
+    int subsampling = -1;
+    std::vector<uint8_t> bgrx;
+};
+
+Picture decoded(const host::PictureBlock& block) {
+    Picture picture;
+    tjhandle decoder = tjInitDecompress();
+    int colours = 0;
+    if (tjDecompressHeader3(decoder, block.Data(), block.Size(), &picture.width, &picture.height,
+                            &picture.subsampling, &colours) == 0) {
+        picture.bgrx.resize(static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height) * 4);
+        tjDecompress2(decoder, block.Data(), block.Size(), picture.bgrx.data(), picture.width, 0,
+                      picture.height, TJPF_BGRX, 0);
+    }
+    tjDestroy(decoder);
+    return picture;
+}
+
+/// Smooth colours that tell every direction apart, with garbage in the undefined bytes and behind the rows.
+std::vector<uint8_t> gradient(int width, int height, int rowBytes) {
+    std::vector<uint8_t> pixels(static_cast<size_t>(rowBytes) * static_cast<size_t>(height), 0xA5);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            uint8_t* pixel = pixels.data() + static_cast<ptrdiff_t>(y) * rowBytes + x * 4;
+            pixel[0] = static_cast<uint8_t>(x * 255 / width);
+            pixel[1] = static_cast<uint8_t>(y * 255 / height);
+            pixel[2] = 40;
+        }
+    }
+    return pixels;
+}
+
+double mean_error(const Picture& picture, const std::vector<uint8_t>& pixels, int rowBytes) {
+    double sum = 0;
+    for (int y = 0; y < picture.height; ++y) {
+        for (int x = 0; x < picture.width * 4; ++x) {
+            if (x % 4 < 3)
+                sum += std::abs(picture.bgrx[static_cast<size_t>(y * picture.width * 4 + x)] -
+                                pixels[static_cast<size_t>(y * rowBytes + x)]);
+        }
+    }
+    return sum / (picture.width * picture.height * 3);
+}
+
+bool is_baseline(const host::PictureBlock& block) {
+    const uint8_t startOfFrame[2] = {0xFF, 0xC0};
+    return std::search(block.Data(), block.Data() + block.Size(), startOfFrame, startOfFrame + 2) !=
+           block.Data() + block.Size();
+}
+
+TEST(JpegExporter, KeepsPixelsAndRowOrderAtEveryQuality) {
+    constexpr int kWidth = 173;
+    constexpr int kHeight = 61;
+    constexpr int kRowBytes = kWidth * 4 + 20;
+    const auto pixels = gradient(kWidth, kHeight, kRowBytes);
+    const auto exporter = host::NewJpegExporter(kWidth, kHeight, kRowBytes);
+    const auto block = host::NewJpegBlock();
+    ASSERT_EQ(exporter->SetOutput(*block), 0);
+    exporter->SetInputPixels(pixels.data());
+    size_t previousSize = 0;
+    for (const int quality : {256, 512, 768}) {
+        ASSERT_EQ(exporter->SetCompressionQuality(quality), 0);
+        ASSERT_EQ(exporter->Export(), 0);
+        const Picture picture = decoded(*block);
+        ASSERT_EQ(picture.width, kWidth);
+        ASSERT_EQ(picture.height, kHeight);
+        EXPECT_TRUE(is_baseline(*block));
+        EXPECT_LT(mean_error(picture, pixels, kRowBytes), 4) << quality;
+        EXPECT_GT(block->Size(), previousSize) << quality;
+        previousSize = block->Size();
+    }
+}
+
+TEST(JpegExporter, RefusesOtherQualitiesAndKeepsTheLast) {
+    const auto pixels = gradient(64, 64, 256);
+    const auto exporter = host::NewJpegExporter(64, 64, 256);
+    const auto block = host::NewJpegBlock();
+    exporter->SetOutput(*block);
+    exporter->SetInputPixels(pixels.data());
+    exporter->SetCompressionQuality(768);
+    exporter->Export();
+    const size_t size = block->Size();
+    for (const int quality : {-1, 0, 1, 257, 1024})
+        EXPECT_EQ(exporter->SetCompressionQuality(quality), -1);
+    exporter->Export();
+    EXPECT_EQ(block->Size(), size);
+}
+
+TEST(JpegExporter, RefusesGeometryThatNoPictureHas) {
+    const int refused[][3] = {{0, 1, 4},    {1, 0, 4},     {-1, 5, 400},          {5, -1, 400},
+                              {10, 10, 39}, {10, 10, -40}, {65501, 1, 65501 * 4}, {1, 65501, 4}};
+    for (const auto& g : refused)
+        EXPECT_EQ(host::NewJpegExporter(g[0], g[1], g[2]), nullptr) << g[0] << " x " << g[1];
+
+    const auto pixels = gradient(65500, 1, 65500 * 4);
+    const auto widest = host::NewJpegExporter(65500, 1, 65500 * 4);
+    const auto block = host::NewJpegBlock();
+    widest->SetOutput(*block);
+    widest->SetInputPixels(pixels.data());
+    EXPECT_EQ(widest->Export(), 0);
+    EXPECT_EQ(decoded(*block).width, 65500);
+}
+
+class ForeignBlock : public host::PictureBlock {
+    const uint8_t* Data() const override { return nullptr; }
+    size_t Size() const override { return 0; }
+};
+
+TEST(JpegExporter, LeavesTheBlockAsItWasWhenItFails) {
+    const auto pixels = gradient(32, 32, 128);
+    const auto exporter = host::NewJpegExporter(32, 32, 128);
+    const auto block = host::NewJpegBlock();
+    EXPECT_EQ(block->Data(), nullptr);
+    EXPECT_EQ(block->Size(), 0U);
+    EXPECT_EQ(exporter->Export(), -1) << "no pixels, no block";
+    exporter->SetOutput(*block);
+    EXPECT_EQ(exporter->Export(), -1) << "no pixels";
+    EXPECT_EQ(block->Size(), 0U);
+    exporter->SetInputPixels(pixels.data());
+    ASSERT_EQ(exporter->Export(), 0);
+    const std::vector<uint8_t> before(block->Data(), block->Data() + block->Size());
+
+    exporter->SetInputPixels(nullptr);
+    EXPECT_EQ(exporter->Export(), -1);
+    ForeignBlock foreign;
+    EXPECT_EQ(exporter->SetOutput(foreign), -1);
+    exporter->SetInputPixels(pixels.data());
+    EXPECT_EQ(exporter->Export(), -1);
+    EXPECT_EQ(std::vector<uint8_t>(block->Data(), block->Data() + block->Size()), before);
+}
+
+TEST(JpegExporter, AllocatesNothingInTheSteadyState) {
+    const auto pixels = gradient(320, 240, 1280);
+    const auto small = host::NewJpegExporter(16, 16, 1280);
+    const auto large = host::NewJpegExporter(320, 240, 1280);
+    const auto block = host::NewJpegBlock();
+    const auto export_once = [&](host::PictureExporter& exporter) {
+        exporter.SetOutput(*block);
+        exporter.SetInputPixels(pixels.data());
+        return exporter.Export();
+    };
+    ASSERT_EQ(export_once(*large), 0);
+    const uint8_t* const room = block->Data();
+    const size_t largeSize = block->Size();
+    const size_t allocations = gAllocations;
+    for (int i = 0; i < 5; ++i) {
+        ASSERT_EQ(export_once(*small), 0);
+        EXPECT_LT(block->Size(), largeSize);
+        ASSERT_EQ(export_once(*large), 0);
+        EXPECT_EQ(block->Size(), largeSize);
+    }
+    EXPECT_EQ(gAllocations, allocations);
+    EXPECT_EQ(block->Data(), room);
+}
+
+TEST(JpegExporter, BlocksOutliveTheirExporterAndAreFilledInTurn) {
+    const auto pixels = gradient(48, 48, 192);
+    auto exporter = host::NewJpegExporter(48, 48, 192);
+    const auto first = host::NewJpegBlock();
+    const auto second = host::NewJpegBlock();
+    exporter->SetInputPixels(pixels.data());
+    exporter->SetOutput(*first);
+    exporter->Export();
+    exporter = host::NewJpegExporter(48, 47, 192);
+    exporter->SetInputPixels(pixels.data() + 192);
+    exporter->SetOutput(*second);
+    exporter->Export();
+    exporter.reset();
+    EXPECT_EQ(decoded(*first).height, 48);
+    EXPECT_EQ(decoded(*second).height, 47);
+}
+
+} // namespace

@@ -1,0 +1,141 @@
+#include "PosixRunLoop.h"
+
+#include <csignal>
+#include <thread>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "PosixClock.h"
+
+namespace {
+
+/// A pipe whose reading end is what a loop watches.
+class Pipe {
+  public:
+    Pipe() { EXPECT_EQ(pipe(fEnds), 0); }
+    ~Pipe() {
+        CloseWriter();
+        close(fEnds[0]);
+    }
+    int Reader() const { return fEnds[0]; }
+    void Write() { EXPECT_EQ(write(fEnds[1], "x", 1), 1); }
+    void Take() {
+        char byte;
+        EXPECT_EQ(read(fEnds[0], &byte, 1), 1);
+    }
+    void CloseWriter() {
+        if (fEnds[1] >= 0)
+            close(fEnds[1]);
+        fEnds[1] = -1;
+    }
+
+  private:
+    int fEnds[2] = {-1, -1};
+};
+
+TEST(PosixRunLoop, ReturnsAtOnceAfterAStopThatCameFirst) {
+    host::PosixRunLoop loop;
+    loop.Stop();
+    loop.Stop();
+    loop.Run();
+
+    // Both stops ended that one run: the next one runs until it is stopped again.
+    Pipe pipe;
+    bool called = false;
+    loop.AddDescriptor(pipe.Reader(), [&] {
+        called = true;
+        loop.Stop();
+        pipe.Take();
+    });
+    pipe.Write();
+    loop.Run();
+    EXPECT_TRUE(called);
+}
+
+TEST(PosixRunLoop, StopsFromAnotherThread) {
+    host::PosixRunLoop loop;
+    std::thread other([&] { loop.Stop(); });
+    loop.Run();
+    other.join();
+}
+
+host::PosixRunLoop* gLoop = nullptr;
+
+TEST(PosixRunLoop, StopsFromASignalHandler) {
+    host::PosixRunLoop loop;
+    gLoop = &loop;
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_handler = [](int) { gLoop->Stop(); };
+    sigaction(SIGUSR1, &action, &before);
+    const pthread_t main = pthread_self();
+    Pipe pipe;
+    loop.AddDescriptor(pipe.Reader(), [&] {
+        pipe.Take();
+        pthread_kill(main, SIGUSR1);
+    });
+    pipe.Write();
+    loop.Run();
+    sigaction(SIGUSR1, &before, nullptr);
+}
+
+TEST(PosixRunLoop, CallsWhenAPeerHangsUp) {
+    host::PosixRunLoop loop;
+    Pipe pipe;
+    loop.AddDescriptor(pipe.Reader(), [&] { loop.Stop(); });
+    pipe.CloseWriter();
+    loop.Run();
+}
+
+TEST(PosixRunLoop, LetsACallRemoveItselfAndOthers) {
+    host::PosixRunLoop loop;
+    Pipe first;
+    Pipe second;
+    Pipe last;
+    int firstCalls = 0;
+    int secondCalls = 0;
+    // Both are ready in the same round; whoever is called first takes both away.
+    const auto remove_both = [&](int& calls) {
+        ++calls;
+        loop.RemoveDescriptor(first.Reader());
+        loop.RemoveDescriptor(second.Reader());
+        loop.RemoveDescriptor(12345);
+        last.Write();
+    };
+    loop.AddDescriptor(first.Reader(), [&] { remove_both(firstCalls); });
+    loop.AddDescriptor(second.Reader(), [&] { remove_both(secondCalls); });
+    loop.AddDescriptor(last.Reader(), [&] { loop.Stop(); });
+    first.Write();
+    second.Write();
+    loop.Run();
+    EXPECT_EQ(firstCalls + secondCalls, 1);
+}
+
+TEST(PosixRunLoop, ForgetsADescriptorThatItsOwnerClosed) {
+    host::PosixRunLoop loop;
+    int calls = 0;
+    Pipe pipe;
+    // A number that no descriptor has is what poll() makes of a closed one.
+    loop.AddDescriptor(1 << 20, [&] { ++calls; });
+    loop.AddDescriptor(pipe.Reader(), [&] {
+        pipe.Take();
+        loop.Stop();
+    });
+    pipe.Write();
+    loop.Run();
+    EXPECT_EQ(calls, 0);
+}
+
+TEST(PosixClock, GoesOnInMicroseconds) {
+    host::PosixClock clock;
+    const int64_t before = clock.MicrosecondsSinceBoot();
+    const int64_t after = clock.MicrosecondsSinceBoot();
+    EXPECT_GT(before, 0);
+    EXPECT_GE(after, before);
+    EXPECT_LT(after - before, 5'000'000);
+    const auto ticks = static_cast<double>(clock.Ticks());
+    EXPECT_NEAR(ticks, static_cast<double>(static_cast<uint32_t>(after * 60 / 1'000'000)), 300);
+}
+
+} // namespace

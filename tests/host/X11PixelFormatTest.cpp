@@ -1,0 +1,99 @@
+#include "X11PixelFormat.h"
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+using host::X11PixelFormat;
+using host::X11PixelLayout;
+
+namespace {
+
+struct Conversion {
+    const char* name;
+    X11PixelLayout layout;
+    std::vector<uint8_t> source; ///< Two pixels.
+    std::vector<uint8_t> bgr;    ///< The same two, three bytes each.
+};
+
+const Conversion kConversions[] = {
+    {"32 bits, blue first",
+     {32, 32, false, 0xFF0000, 0xFF00, 0xFF},
+     {1, 2, 3, 9, 250, 251, 252, 9},
+     {1, 2, 3, 250, 251, 252}},
+    {"32 bits, red first",
+     {32, 32, false, 0xFF, 0xFF00, 0xFF0000},
+     {1, 2, 3, 9, 250, 251, 252, 9},
+     {3, 2, 1, 252, 251, 250}},
+    {"32 bits, big-endian, red behind padding",
+     {32, 32, true, 0xFF0000, 0xFF00, 0xFF},
+     {9, 1, 2, 3, 9, 4, 5, 6},
+     {3, 2, 1, 6, 5, 4}},
+    {"32 bits, big-endian, blue on top",
+     {32, 32, true, 0xFF00, 0xFF0000, 0xFF000000},
+     {1, 2, 3, 9, 4, 5, 6, 9},
+     {1, 2, 3, 4, 5, 6}},
+    // Ten bits a channel: full, and 0x200 of 0x3FF in red alone.
+    {"30 of 32 bits",
+     {32, 32, false, 0x3FF00000, 0xFFC00, 0x3FF},
+     {0xFF, 0xFF, 0xFF, 0x3F, 0, 0, 0, 0x20},
+     {255, 255, 255, 0, 0, 128}},
+    {"24 packed bits", {24, 32, false, 0xFF0000, 0xFF00, 0xFF}, {1, 2, 3, 4, 5, 6}, {1, 2, 3, 4, 5, 6}},
+    {"24 packed bits, big-endian",
+     {24, 32, true, 0xFF0000, 0xFF00, 0xFF},
+     {1, 2, 3, 4, 5, 6},
+     {3, 2, 1, 6, 5, 4}},
+    // 5, 6 and 5 bits: white, and the lowest bit of each.
+    {"16 bits 5-6-5",
+     {16, 32, false, 0xF800, 0x7E0, 0x1F},
+     {0xFF, 0xFF, 0x21, 0x08},
+     {255, 255, 255, 8, 4, 8}},
+    {"16 bits 5-6-5, big-endian",
+     {16, 32, true, 0xF800, 0x7E0, 0x1F},
+     {0xF8, 0x00, 0x00, 0x1F},
+     {0, 0, 255, 255, 0, 0}},
+    {"15 of 16 bits",
+     {16, 32, false, 0x7C00, 0x3E0, 0x1F},
+     {0xFF, 0xFF, 0x00, 0x40},
+     {255, 255, 255, 0, 0, 132}},
+};
+
+TEST(X11PixelFormat, ConvertsEveryTrueColourLayout) {
+    for (const Conversion& row : kConversions) {
+        SCOPED_TRACE(row.name);
+        const X11PixelFormat format(row.layout);
+        ASSERT_TRUE(format.IsSupported());
+        uint8_t target[9] = {0, 0, 0, 0, 0, 0, 0, 0, 0x77};
+        format.ConvertRow(row.source.data(), 2, target);
+        const std::vector<uint8_t> bgr{target[0], target[1], target[2], target[4], target[5], target[6]};
+        EXPECT_EQ(bgr, row.bgr);
+        EXPECT_EQ(target[8], 0x77);
+    }
+}
+
+TEST(X11PixelFormat, TakesImagesAsTheyAreOnlyWhenTheBytesAreInPlace) {
+    for (const Conversion& row : kConversions) {
+        SCOPED_TRACE(row.name);
+        const bool isInPlace = row.layout.bitsPerPixel == 32 && row.layout.blueMask != 0x3FF &&
+                               std::memcmp(row.source.data(), row.bgr.data(), 3) == 0;
+        EXPECT_EQ(X11PixelFormat(row.layout).IsNative(), isInPlace);
+    }
+}
+
+TEST(X11PixelFormat, PadsRows) {
+    EXPECT_EQ(X11PixelFormat({16, 32, false, 0xF800, 0x7E0, 0x1F}).RowBytes(3), 8U);
+    EXPECT_EQ(X11PixelFormat({24, 32, false, 0xFF0000, 0xFF00, 0xFF}).RowBytes(5), 16U);
+    EXPECT_EQ(X11PixelFormat({24, 8, false, 0xFF0000, 0xFF00, 0xFF}).RowBytes(5), 15U);
+    EXPECT_EQ(X11PixelFormat({32, 32, false, 0xFF0000, 0xFF00, 0xFF}).RowBytes(32767), 131068U);
+}
+
+TEST(X11PixelFormat, RefusesWhatIsNoTrueColour) {
+    EXPECT_FALSE(X11PixelFormat({}).IsSupported());
+    EXPECT_FALSE(X11PixelFormat({8, 32, false, 0xE0, 0x1C, 0x3}).IsSupported());
+    EXPECT_FALSE(X11PixelFormat({32, 32, false, 0xFF0000, 0, 0xFF}).IsSupported());
+    EXPECT_FALSE(X11PixelFormat({32, 0, false, 0xFF0000, 0xFF00, 0xFF}).IsSupported());
+}
+
+} // namespace

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include <xcb/xcb.h>
+
+/// What a test does to a screen: paints on the root window, sets its mode, monitors and pointer. Each call
+/// has taken effect when it returns.
+class XPainter {
+  public:
+    explicit XPainter(const std::string& display);
+    ~XPainter();
+    XPainter(const XPainter&) = delete;
+    XPainter& operator=(const XPainter&) = delete;
+
+    /// Fills a rectangle with the nearest that the screen has to 0xRRGGBB.
+    void Fill(int x, int y, int width, int height, uint32_t colour);
+
+    /// Runs xrandr on the screen; its exit status.
+    int Xrandr(const std::string& arguments);
+
+    /// Gives the root window a square pointer of \p extent opaque pixels; 0 makes one without a visible
+    /// pixel.
+    void SetPointer(int extent, int hotX, int hotY, uint32_t colour);
+    void MovePointer(int x, int y);
+
+    /// Sends every client a note on the keyboard map.
+    void ChangeKeyboardMap();
+
+    int Depth() const { return fScreen->root_depth; }
+
+  private:
+    uint32_t pixel(uint32_t colour) const;
+    xcb_pixmap_t square(int extent, int size);
+    void sync();
+
+    std::string fDisplay;
+    xcb_connection_t* fXcb;
+    const xcb_screen_t* fScreen;
+    xcb_gcontext_t fPen;
+};

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+/// An X server of its own for a test: Xvfb on a display that is free. It ends with this object, and with the
+/// test program however that ends.
+class XServer {
+  public:
+    /// Starts a server with one screen, as in "640x480x24", and further arguments of Xvfb. Running() tells
+    /// whether it came up.
+    explicit XServer(const std::string& screen, const std::vector<std::string>& arguments = {});
+    ~XServer();
+    XServer(const XServer&) = delete;
+    XServer& operator=(const XServer&) = delete;
+
+    bool Running() const { return fProcess > 0; }
+
+    /// Why it isn't running.
+    const std::string& WhyNot() const { return fWhyNot; }
+
+    /// The display's name, as in ":5".
+    const std::string& Display() const { return fDisplay; }
+
+    /// Ends the server without a warning, as a crash would.
+    void Kill();
+
+  private:
+    void start(const std::vector<std::string>& command);
+    void await_display(int reader);
+    bool await_end();
+
+    pid_t fProcess = -1;
+    std::string fDisplay;
+    std::string fWhyNot;
+};
+
+/// Whether a test that can't run here has to fail: where everything it needs is meant to be installed.
+bool SkippingIsFailure();
+
+/// Leaves a test that can't run for want of something on the machine: a failure in CI, a skip that says why
+/// elsewhere.
+#define SKIP_OR_FAIL(reason)                                                                                 \
+    do {                                                                                                     \
+        if (SkippingIsFailure())                                                                             \
+            FAIL() << (reason);                                                                              \
+        GTEST_SKIP() << (reason);                                                                            \
+    } while (false)
