@@ -11,6 +11,11 @@ constexpr int kMadeUpIDs = 0x73000000;
 
 std::unique_ptr<zStringID> gDefault;
 
+/// Bytes that a name takes, its entry in both trees included.
+size_t cost_of(const char* text) {
+    return std::strlen(text) + 1 + 2 * sizeof(zStringID_zOki::Entry);
+}
+
 } // namespace
 
 zStringID::zStringID()
@@ -47,7 +52,7 @@ int zStringID::Add(int id, const char* text, [[maybe_unused]] bool unused) {
     const int tiedTo = find_by_text(text);
     if (tiedTo == id)
         return 0;
-    if (tiedTo != 0 || has_id(id))
+    if (tiedTo != 0 || has_id(id) || !has_room_for(text))
         return -1;
     add_pair(id, text);
     return 0;
@@ -58,7 +63,7 @@ int zStringID::IDForString(const char* text, bool findOnly) {
         return 0;
     const zAutoCritical lock(fCritical.get());
     int id = find_by_text(text);
-    if (id == 0 && !findOnly) {
+    if (id == 0 && !findOnly && has_room_for(text)) {
         id = generate_unique_id(text);
         add_pair(id, text);
     }
@@ -91,8 +96,13 @@ bool zStringID::has_id(int id) {
     return fByID.Find(&entry, &entry, nullptr, 0) == 0;
 }
 
+bool zStringID::has_room_for(const char* text) const {
+    return fBytes + cost_of(text) <= kMaxBytes;
+}
+
 void zStringID::add_pair(int id, const char* text) {
     const size_t size = std::strlen(text) + 1;
+    fBytes += cost_of(text);
     const zStringID_zOki::Entry entry{id, new char[size]};
     std::memcpy(entry.text, text, size);
     fByText.Add(&entry, false);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 
 #include "zBonsai.h"
@@ -12,6 +13,10 @@ class zCritical;
 /// so hot code keeps ids instead of names.
 class zStringID {
   public:
+    /// Bytes of names that the dictionary takes, far more than programs and documents have. Names also come
+    /// from clients, and none is ever forgotten.
+    static constexpr size_t kMaxBytes = size_t{64} << 20;
+
     zStringID();
     ~zStringID();
     zStringID(const zStringID&) = delete;
@@ -26,10 +31,11 @@ class zStringID {
     static int ID(const char* text);
 
     /// Ties `id` to a copy of `text`. 0, also for a pair that is tied already; -1 when either is tied to
-    /// something else. The last argument has no effect.
+    /// something else or the dictionary is full. The last argument has no effect.
     int Add(int id, const char* text, bool unused);
 
-    /// The id of a text. An unknown (or null) one gives 0 with `findOnly`, otherwise (unless null) a new id.
+    /// The id of a text. An unknown one gives 0 with `findOnly`, otherwise a new id. A null one gives 0, and
+    /// so does every new one when the dictionary is full.
     int IDForString(const char* text, bool findOnly);
 
     /// The text of an id, owned by this object, or `defaultText` for an unknown id.
@@ -41,10 +47,12 @@ class zStringID {
   private:
     int find_by_text(const char* text);
     bool has_id(int id);
+    bool has_room_for(const char* text) const;
     void add_pair(int id, const char* text);
 
     zBonsai fByText;
     zBonsai fByID; // both trees point at one copy of each text
     std::unique_ptr<zCritical> fCritical;
+    size_t fBytes = 0;
     int fNextUnique = 1;
 };

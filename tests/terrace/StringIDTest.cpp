@@ -49,6 +49,19 @@ TEST(StringID, BootTiesTheReservedNames) {
         EXPECT_EQ(static_cast<unsigned int>(zStringID::ID(name)), id) << name;
 }
 
+TEST(StringID, NamesFromOutsideCannotFillTheMemory) {
+    zStringID ids;
+    std::string name(1u << 20, 'x');
+    unsigned int taken = 0;
+    for (int i = 0; i < 100; ++i) {
+        name[0] = static_cast<char>(i + 1);
+        taken += ids.IDForString(name.c_str(), false) != 0;
+    }
+    EXPECT_EQ(taken, 63u);
+    EXPECT_EQ(ids.Add(5, name.c_str(), false), -1);
+    EXPECT_NE(ids.IDForString("a short one", false), 0) << "there is room for it";
+}
+
 TEST(StringID, ThreadsAgreeOnNewNames) {
     zStringID ids;
     std::vector<std::vector<int>> seen(4, std::vector<int>(300));
