@@ -14,7 +14,7 @@ constexpr std::string_view kLengthName = "Content-Length:";
 constexpr std::string_view kHeaderEnd = "\r\n\r\n";
 constexpr size_t kMethodLength = 4;
 /// Memory that an idle connection may keep for its next request.
-constexpr size_t kKeptCapacity = 64 * 1024;
+constexpr size_t kKeptCapacity = 65536;
 
 bool starts_with_ignoring_case(const char* text, std::string_view prefix) {
     return strncasecmp(text, prefix.data(), prefix.size()) == 0;
@@ -57,7 +57,8 @@ void cHttpText::Clear() {
 cHttpRequest::State cHttpRequest::Append(const char* bytes, size_t size) {
     if (fProgress.malformed)
         return State::kMalformed;
-    if (!fText.Append(bytes, strnlen(bytes, size)))
+    const size_t length = std::min(std::string_view(bytes, size).find('\0'), size);
+    if (!fText.Append(bytes, length))
         return State::kTooLarge;
     if (is_malformed()) {
         Clear();

@@ -255,7 +255,7 @@ int zSocket::SetSendBufferSize(int bytes) {
 }
 
 int zSocket::SetRecvTimeout(int milliseconds) {
-    const timeval timeout = {milliseconds / 1000, (milliseconds % 1000) * 1000};
+    const timeval timeout = {milliseconds / 1000, (milliseconds % 1000) * 1000L};
     return set_option(SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
 }
 

@@ -41,8 +41,11 @@ class EchoHandler : public cHttpHandler {
 
   private:
     static int flood(zSocket* socket) {
-        const std::vector<char> bytes(64 << 20);
-        return socket->Send(bytes.data(), static_cast<int>(bytes.size()), nullptr, kSendTimeoutMs);
+        static const std::vector<char> bytes(4 << 20);
+        int result = 0;
+        for (int i = 0; i < 16 && result == 0; ++i)
+            result = socket->Send(bytes.data(), static_cast<int>(bytes.size()), nullptr, kSendTimeoutMs);
+        return result;
     }
 
     std::atomic<int> fCalls = 0;

@@ -117,7 +117,7 @@ TEST_F(RpcHandlerTest, PlainReplyIsXmlByteForByte) {
     const auto reply = Client().Call("Version");
     ASSERT_TRUE(reply);
     EXPECT_EQ(reply->Bytes(), "HTTP/1.1 200 OK\r\nConnection: Keep-Alive\r\nServer: quillon_httpd/0.1.0\r\n"
-                              "Content-Type: text/xml\r\nContent-Length: 145\r\n\r\n"
+                              "Content-Type: text/xml\r\nContent-Length: 127\r\n\r\n"
                               "<methodResponse>\n\t<params>\n\t\t<param>\n\t\t\t<value>\n"
                               "\t\t\t\t<string>1.0.5</string>\n"
                               "\t\t\t</value>\n\t\t</param>\n\t</params>\n</methodResponse>\n");
