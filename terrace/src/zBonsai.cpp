@@ -185,7 +185,7 @@ void zBonsai::DeleteEntryAt(zBonsaiNode* node, unsigned short index) {
 }
 
 /// Fills a node that has become too small from a sibling, or joins the two. The left sibling is always tried
-/// first.
+/// first. The node still has an entry: from order 4 on the minimum is 2, and smaller trees never underflow.
 void zBonsai::HandleUnderflow(zBonsaiNode* node) {
     zBonsaiNode* parent = node->Parent();
     const unsigned short slot = parent->FindNodeIndex(node);
@@ -196,8 +196,6 @@ void zBonsai::HandleUnderflow(zBonsaiNode* node) {
         rotate_right(parent, slot);
     else if (right != nullptr && right->Count() > fMinimum)
         rotate_left(parent, slot);
-    else if (node->Count() == 0)
-        drop_empty_node(parent, slot);
     else if (left != nullptr)
         parentLives = merge_children(parent, static_cast<unsigned short>(slot - 1));
     else if (right != nullptr)
@@ -228,13 +226,6 @@ void zBonsai::rotate_left(zBonsaiNode* parent, unsigned short slot) {
     node->SetChild(node->Count(), right->TakeChild(0));
     parent->ReplaceEntry(slot, right->Entry(0));
     right->DeleteEntry(0);
-}
-
-/// Deletes a node without entries. What hangs below its one remaining slot takes its place.
-void zBonsai::drop_empty_node(zBonsaiNode* parent, unsigned short slot) {
-    zBonsaiNode* node = parent->TakeChild(slot);
-    parent->SetChild(slot, node->TakeChild(0));
-    delete node;
 }
 
 /// Joins the children left and right of the parent's entry `leftSlot`, with that entry between them. False if

@@ -82,7 +82,6 @@ class zBonsai {
     void HandleUnderflow(zBonsaiNode* node);
     void rotate_right(zBonsaiNode* parent, unsigned short slot);
     void rotate_left(zBonsaiNode* parent, unsigned short slot);
-    void drop_empty_node(zBonsaiNode* parent, unsigned short slot);
     bool merge_children(zBonsaiNode* parent, unsigned short leftSlot);
 
     unsigned int entry_size(const void* entry) const {
