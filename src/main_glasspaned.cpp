@@ -48,10 +48,9 @@ void announce(const Options& options, vnCaptureServer& server) {
                      rect.Height());
         displays += text;
     }
-    printf("glasspaned: listening on %s:%d, host %s, %d display%s%s\n",
-           options.bindAddress.empty() ? "0.0.0.0" : options.bindAddress.c_str(), server.Server().Port(),
-           host::Host::Current().Name(), front.Device_Count(), front.Device_Count() == 1 ? "" : "s",
-           displays.c_str());
+    printf("glasspaned: listening on %s:%d, host %s, %d display%s%s\n", options.AddressText(),
+           server.Server().Port(), host::Host::Current().Name(), front.Device_Count(),
+           front.Device_Count() == 1 ? "" : "s", displays.c_str());
     fflush(stdout);
 }
 
@@ -59,7 +58,7 @@ int serve(const Options& options) {
     const char* bindAddress = options.bindAddress.empty() ? nullptr : options.bindAddress.c_str();
     vnCaptureServer server(options.port, bindAddress);
     if (server.Server().WaitUntilListening() != 0) {
-        fprintf(stderr, "glasspaned: cannot listen on port %d: %s\n", options.port,
+        fprintf(stderr, "glasspaned: cannot listen on %s:%d: %s\n", options.AddressText(), options.port,
                 server.Server().ListenFailure().c_str());
         return 1;
     }
