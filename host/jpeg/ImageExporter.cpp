@@ -19,7 +19,7 @@ struct Level {
     int subsampling;
 };
 constexpr Level kLow{256, 50, TJSAMP_420};
-constexpr Level kNormal{512, 75, TJSAMP_420};
+constexpr Level kNormal{512, 80, TJSAMP_420};
 constexpr Level kHigh{768, 90, TJSAMP_444};
 
 /// Bytes that are not cleared first: pages that nothing was written to take no memory.

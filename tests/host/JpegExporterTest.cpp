@@ -1,32 +1,13 @@
 #include "ImageExporter.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <new>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <turbojpeg.h>
 
-namespace {
-std::atomic<size_t> gAllocations{0};
-}
-
-void* operator new(size_t size) {
-    ++gAllocations;
-    if (void* memory = std::malloc(size ? size : 1))
-        return memory;
-    std::abort();
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, size_t) noexcept {
-    std::free(memory);
-}
+#include "Allocations.h"
 
 namespace {
 
@@ -177,14 +158,14 @@ TEST(JpegExporter, AllocatesNothingInTheSteadyState) {
     ASSERT_EQ(export_once(*large), 0);
     const uint8_t* const room = block->Data();
     const size_t largeSize = block->Size();
-    const size_t allocations = gAllocations;
+    const size_t allocations = AllocationsSoFar();
     for (int i = 0; i < 5; ++i) {
         ASSERT_EQ(export_once(*small), 0);
         EXPECT_LT(block->Size(), largeSize);
         ASSERT_EQ(export_once(*large), 0);
         EXPECT_EQ(block->Size(), largeSize);
     }
-    EXPECT_EQ(gAllocations, allocations);
+    EXPECT_EQ(AllocationsSoFar(), allocations);
     EXPECT_EQ(block->Data(), room);
 }
 
