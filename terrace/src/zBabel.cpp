@@ -92,8 +92,8 @@ int from_wide(zString& out, unsigned int to, const std::u16string& in, const cha
     return U_FAILURE(error) ? result::kFailure : result::kOk;
 }
 
-// Strength ignores case from secondary down and diacritics from primary down; the case level brings case
-// alone back.
+// Strength ignores case from secondary down and diacritics from primary down; the case level brings
+// case alone back.
 Collator open_collator(unsigned int flags) {
     UErrorCode error = U_ZERO_ERROR;
     Collator collator(ucol_open("", &error));

@@ -35,9 +35,9 @@ class zBabel {
     static constexpr int kWideLimit = 409601;
 
     /// 0 when the texts are alike by the flags (with kAnywhere: when b occurs in a). Without case or
-    /// diacritics flag the order of strcmp, or 1 where kAnywhere finds nothing; with them -1 for a difference
-    /// and 1 for what is no UTF-8. Composition and width of characters never count then. One null text
-    /// gives 1.
+    /// diacritics flag the order of strcmp, or 1 where kAnywhere finds nothing; with them -1 for a
+    /// difference and 1 for what is no UTF-8. Composition and width of characters never count then. One null
+    /// text gives 1.
     static int Compare(const char* a, const char* b, unsigned int flags);
 
     /// Unicode upper case without a locale; what is no UTF-8 stays as it is.

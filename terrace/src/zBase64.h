@@ -9,6 +9,6 @@ int Base64encode_len(int size);
 int Base64encode(char* out, const char* in, int size);
 /// Room that decoding needs: the bytes that the leading characters of the alphabet give, and one for a zero.
 int Base64decode_len(const char* in);
-/// Decodes up to the first character outside the alphabet and writes a zero behind; returns the bytes without
-/// it.
+/// Decodes up to the first character outside the alphabet and writes a zero behind; returns the
+/// bytes without it.
 int Base64decode(char* out, const char* in);

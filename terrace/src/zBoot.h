@@ -19,13 +19,13 @@ struct zBootEntry {
     int32_t startOrder; ///< 0 until started, then 1, 2, 3 ... in the order in which the starts finished.
 };
 
-/// The registry of library modules. Each library registers itself by one file-scope zBoot; the program starts
-/// them all once and stops them in reverse order. Static initialisers and the main thread only, hence no
-/// lock.
+/// The registry of library modules. Each library registers itself by one file-scope zBoot; the program
+/// starts them all once and stops them in reverse order. Static initialisers and the main thread only,
+/// hence no lock.
 class zBoot {
   public:
-    /// Registers a module, and starts it at once if Startup has run already. A second registration of an id
-    /// is ignored.
+    /// Registers a module, and starts it at once if Startup has run already. A second registration of an
+    /// id is ignored.
     zBoot(void (*startup)(), void (*shutdown)(), int moduleId);
 
     /// Starts all modules in the order of their registration.
@@ -37,8 +37,8 @@ class zBoot {
     static void Shutdown();
 };
 
-/// A file-scope object of this class on a library's `boot_Module` makes the linker keep the library's
-/// registration.
+/// A file-scope object of this class on a library's `boot_Module` makes the linker keep
+/// the library's registration.
 class zBootIncludeModule {
   public:
     explicit zBootIncludeModule(void (*include)()) { include(); }

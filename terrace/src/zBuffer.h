@@ -24,8 +24,8 @@ class zBuffer {
     unsigned int Size() const { return fSize; }
     bool OwnsData() const { return fRaw != nullptr; }
 
-    /// Shallow, and ownership moves here: the source can still read but no longer frees. What this one held
-    /// is released.
+    /// Shallow, and ownership moves here: the source can still read but no longer frees. What this one
+    /// held is released.
     void CopyAndOwn(zBuffer& other);
     void MakeEmpty();
     /// Releases the old memory and takes the new.
@@ -36,8 +36,8 @@ class zBuffer {
     /// kKeepLargerBlock; all else makes a new block, with the old bytes in it if kKeepContents asks for them.
     /// 0, or -1 without memory, which leaves the buffer as it was.
     int ResizeTo(unsigned int size, unsigned int flags);
-    /// XOR of the 16-bit little-endian words; only the low 16 bits of the size count, an odd last byte does
-    /// not.
+    /// XOR of the 16-bit little-endian words; only the low 16 bits of the size count, an odd last
+    /// byte does not.
     unsigned short Checksum() const;
 
   private:

@@ -22,8 +22,8 @@ class zColor {
     constexpr unsigned int ARGB() const { return pack(alpha, red, green, blue); }
     constexpr unsigned int ABGR() const { return pack(alpha, blue, green, red); }
     constexpr unsigned int BGRA() const { return pack(blue, green, red, alpha); }
-    /// The number that lies in memory as a pixel of a captured frame: bytes b, g, r, a on a little-endian
-    /// machine.
+    /// The number that lies in memory as a pixel of a captured frame: bytes b, g, r, a on
+    /// a little-endian machine.
     constexpr unsigned int PlatformUInt32() const { return ARGB(); }
 
     constexpr void SetARGB(unsigned int v) {

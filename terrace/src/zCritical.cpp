@@ -9,8 +9,8 @@ class zCritical_pthread : public zCritical {
   public:
     void Begin() Z_NO_THREAD_SAFETY_ANALYSIS override {
         const auto self = std::this_thread::get_id();
-        // Only the thread that wrote its own identity can find it here, so no order with other memory is
-        // needed.
+        // Only the thread that wrote its own identity can find it here, so no order with other
+        // memory is needed.
         if (fOwner.load(std::memory_order_relaxed) != self) {
             fMutex.lock();
             fOwner.store(self, std::memory_order_relaxed);

@@ -28,8 +28,8 @@ class zDirectory {
     virtual int GetNextFile(zString& name, unsigned int* flags, bool fullPath) = 0;
     virtual int Close() = 0;
 
-    /// Goes on to the entry that lies `index` entries ahead, without counting those that have one of
-    /// `skipFlags`.
+    /// Goes on to the entry that lies `index` entries ahead, without counting those that have
+    /// one of `skipFlags`.
     int EntryForIndex(int index, zString& name, bool fullPath, unsigned int skipFlags);
 
   protected:

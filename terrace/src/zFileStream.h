@@ -5,8 +5,8 @@
 
 #include "zStream.h"
 
-/// A stream over a file. The constructor does not open: call Open and look at its result before anything
-/// else.
+/// A stream over a file. The constructor does not open: call Open and look at its result
+/// before anything else.
 class zFileStream : public zStream {
   public:
     /// The abilities that can be opened: read from the start, write a new file, and change an existing one.
@@ -51,8 +51,8 @@ class zFileStream : public zStream {
     static FILE* os_fopen(const char* path, const char* mode);
 
     static void GetTemporaryDirectory(zString& path);
-    /// A path in the temporary directory that no file has; nothing is created. The pattern's "%ld" becomes a
-    /// number.
+    /// A path in the temporary directory that no file has; nothing is created. The pattern's "%ld"
+    /// becomes a number.
     static int CreateTemporaryFile(zString& path, const char* pattern);
 
   private:

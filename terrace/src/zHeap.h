@@ -30,8 +30,8 @@ class zHeap {
         fArray[fCount++] = value;
     }
 
-    /// Makes room for `extra` more elements than there is room for now; with `zero` the new room holds
-    /// zeroes.
+    /// Makes room for `extra` more elements than there is room for now; with `zero` the new
+    /// room holds zeroes.
     void Allocate(unsigned int extra, bool zero) {
         const size_t capacity = size_t{fCapacity} + extra;
         std::unique_ptr<T[]> array(zero ? new T[capacity]() : new T[capacity]);

@@ -155,8 +155,8 @@ class zList {
 };
 
 /// Walks a list in both directions, before the first element at the start: `while (it.Next())
-/// use(it.Current());`. The current element may be removed on the way by RmCurrent; no other may be removed
-/// meanwhile.
+/// use(it.Current());`. The current element may be removed on the way by RmCurrent; no other may
+/// be removed meanwhile.
 template <typename T>
 class zListIterator {
   public:

@@ -4,8 +4,8 @@
 
 #include "zStream.h"
 
-/// A stream over memory of its own in chunks of one size, which are never moved: for lengths nobody knows
-/// beforehand.
+/// A stream over memory of its own in chunks of one size, which are never moved: for lengths
+/// nobody knows beforehand.
 class zMemoryStream : public zStream {
   public:
     /// A chunk size of 0 means 4096.

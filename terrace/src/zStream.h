@@ -58,8 +58,8 @@ class zStream {
     /// Copies the rest of `from`, `chunk` bytes at a time; -1 for a chunk of 0, without memory, or when not
     /// all could be written.
     static int BulkWriteAll(zStream& to, zStream& from, unsigned int chunk);
-    /// Makes `to`, which must be able to truncate (else -1), an exact copy of the whole of `from`, whose
-    /// position stays.
+    /// Makes `to`, which must be able to truncate (else -1), an exact copy of the whole of `from`,
+    /// whose position stays.
     static int ExactCopy(zStream& to, zStream& from, unsigned int chunk);
 
   protected:

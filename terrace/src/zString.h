@@ -65,8 +65,8 @@ class zString {
     /// Sets the text as printf does and returns it. The arguments may point into the present text.
     const char* sprintf(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-    /// XOR of the text's 16-bit little-endian words. An odd last byte is not counted, and the length counts
-    /// modulo 65536.
+    /// XOR of the text's 16-bit little-endian words. An odd last byte is not counted, and the length
+    /// counts modulo 65536.
     unsigned short Checksum() const;
 
     /// These return how many they replaced. An empty `from` replaces nothing.
@@ -82,8 +82,8 @@ class zString {
     bool EndsWith(const char* text) const;
 
     /// Drops leading and trailing characters that occur in `chars`.
-    /// Deliberate: a text with nothing to drop in front loses its last character first, which stored texts
-    /// count on.
+    /// Deliberate: a text with nothing to drop in front loses its last character first, which stored
+    /// texts count on.
     void LRTrim(const char* chars);
     /// The same into `out` of `size` bytes, without that loss.
     static void LRTrim(char* out, const char* in, int size, const char* chars);

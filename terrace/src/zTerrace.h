@@ -7,8 +7,8 @@ class zTerrace {
   public:
     static constexpr int kModuleID = static_cast<int>(z4CCCC("terr"));
 
-    /// Does nothing; to name it keeps the library's registration in the link (zBootIncludeModule,
-    /// zBoot::Depends).
+    /// Does nothing; to name it keeps the library's registration in the link
+    /// (zBootIncludeModule, zBoot::Depends).
     static void boot_Module();
 
     static void Startup();

@@ -68,8 +68,8 @@ class zThread_pthread : public zThread {
         : fMain(main), fFlags(flags), fPriority(priority), fID(++gLastThreadID) {}
     ~zThread_pthread() override { zThread_pthread::WaitForExit(); }
 
-    /// False when the platform refuses a thread. After success an object with kDeleteThread may be gone
-    /// already.
+    /// False when the platform refuses a thread. After success an object with kDeleteThread may
+    /// be gone already.
     bool Start(const char* name, zSignal* started);
     int ThreadID() const override { return fID; }
     int WaitForExit() override;

@@ -9,9 +9,9 @@ class zThreadMain {
     virtual int Main(int argc, const char** argv) = 0;
 };
 
-/// A running thread, made by Factory. It cannot be killed: its body watches a flag or signal of its own, the
-/// owner asks through that, then calls WaitForExit and deletes this object (and the body, unless kDeleteMain
-/// does).
+/// A running thread, made by Factory. It cannot be killed: its body watches a flag or signal of its
+/// own, the owner asks through that, then calls WaitForExit and deletes this object (and the body,
+/// unless kDeleteMain does).
 class zThread {
   public:
     /// Flags of Factory.
@@ -41,8 +41,8 @@ class zThread {
     static bool IsCurrentThreadMain() { return CurrentThreadID() == 1; }
 
     static void MicroSleep(unsigned int microseconds);
-    /// Sleeps until a time in microseconds on the machine's monotonic clock; returns at once when that has
-    /// passed.
+    /// Sleeps until a time in microseconds on the machine's monotonic clock; returns at once when
+    /// that has passed.
     static void MicroSleepUntil(long long time);
 
     virtual ~zThread() = default;
