@@ -97,16 +97,17 @@ int cHttpServer::Main(int, const char**) {
 int cHttpServer::create_listen_socket() {
     const char* address = fBindAddress.empty() ? nullptr : fBindAddress.c_str();
     int result = fListenSocket->Create(0);
+    if (result == 0 && !fListenSocket->IsSelectable()) {
+        if (fListenSocket->Descriptor() > 0)
+            errno = EMFILE; // There is one, but too high for a descriptor set.
+        result = zSocket::kOtherError;
+    }
     if (result == 0)
         result = fListenSocket->SetReuseAddress();
     if (result == 0)
         result = fListenSocket->Bind(static_cast<short>(fPort), address);
     if (result == 0)
         result = fListenSocket->Listen(kBacklog);
-    if (result == 0 && !fListenSocket->IsSelectable()) {
-        errno = EMFILE;
-        result = zSocket::kOtherError;
-    }
     if (result != 0) {
         fListenFailure = std::generic_category().message(errno);
         return result;

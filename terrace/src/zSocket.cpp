@@ -86,7 +86,7 @@ int zSocket::Create(unsigned int flags) {
     fDescriptor = Impl::Create((flags & kDatagram) != 0);
     if (fDescriptor == 0)
         return -1;
-    if ((flags & kBlocking) == 0)
+    if (fDescriptor > 0 && (flags & kBlocking) == 0)
         Impl::SetNonBlocking(fDescriptor);
     return 0;
 }

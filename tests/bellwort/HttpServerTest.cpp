@@ -230,6 +230,12 @@ TEST(HttpServerStartTest, TellsWhyItCannotListen) {
     cHttpServer nowhere(0, kReadSize, "256.0.0.1");
     EXPECT_EQ(nowhere.WaitUntilListening(), zSocket::kUnknownHost);
     EXPECT_FALSE(nowhere.ListenFailure().empty());
+
+    ScopedFileLimit limit;
+    limit.Set(0);
+    cHttpServer full(0, kReadSize);
+    EXPECT_EQ(full.WaitUntilListening(), zSocket::kOtherError);
+    EXPECT_EQ(full.ListenFailure(), "Too many open files");
 }
 
 TEST(HttpServerStartTest, StopBeforeTheThreadIsUpIsNotLost) {
