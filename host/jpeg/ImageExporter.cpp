@@ -100,7 +100,7 @@ int JpegExporter::Export() {
     if (!grown && capacity > fOutput->Capacity())
         return -1;
     if (tjCompress2(fCompressor.get(), fPixels, fWidth, fRowBytes, fHeight, TJPF_BGRX, &target, &size,
-                    fLevel.subsampling, fLevel.jpegQuality, TJFLAG_NOREALLOC) != 0)
+                    fLevel.subsampling, fLevel.jpegQuality, TJFLAG_NOREALLOC | TJFLAG_ACCURATEDCT) != 0)
         return -1;
     if (grown)
         fOutput->SetRoom(std::move(grown), capacity);
