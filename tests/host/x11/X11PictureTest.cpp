@@ -1,7 +1,12 @@
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
+#include <fstream>
 #include <limits>
+#include <sstream>
+#include <thread>
+#include <unistd.h>
 
 #include "X11Fixture.h"
 
@@ -143,10 +148,38 @@ TEST_F(X11Picture, FollowsTheScreensSize) {
     ASSERT_EQ(Displays().Picture({0, 0, 640, 480}, image), 0);
     EXPECT_EQ(image.width, 640);
     EXPECT_EQ(ColourAt(image, 600, 400), 0U) << "this is no longer on the screen";
+    std::string whyNot;
+    const auto latecomer = host::X11Host::Open(server->Display().c_str(), whyNot);
+    ASSERT_NE(latecomer, nullptr) << whyNot;
+    ASSERT_EQ(latecomer->DisplaysPort().Picture({0, 0, 320, 240}, image), 0);
     ASSERT_EQ(painter->Xrandr("--output screen --mode 640x480"), 0);
     painter->Fill(0, 0, 640, 480, 0x806040);
     ASSERT_EQ(Displays().Picture({0, 0, 640, 480}, image), 0);
     EXPECT_EQ(ColourAt(image, 600, 400), 0x806040U);
+    ASSERT_EQ(latecomer->DisplaysPort().Picture({0, 0, 640, 480}, image), 0);
+    EXPECT_EQ(ColourAt(image, 639, 479), 0x806040U) << "its segment has to grow";
+}
+
+TEST_F(X11Picture, ComesThroughMemoryThatIsPrivateAndNameless) {
+    NEED_X11("320x240x24");
+    host::Image image;
+    ASSERT_EQ(Displays().Picture({0, 0, 16, 16}, image), 0);
+    ASSERT_EQ(Displays().Picture({0, 0, 320, 240}, image), 0);
+    std::ifstream segments("/proc/sysvipc/shm");
+    std::string heading;
+    std::getline(segments, heading);
+    int own = 0;
+    for (std::string line; std::getline(segments, line);) {
+        std::istringstream columns(line);
+        long key, id, mode, size, creator, lastUser, attached;
+        columns >> key >> id >> mode >> size >> creator >> lastUser >> attached;
+        if (creator != getpid())
+            continue;
+        ++own;
+        EXPECT_EQ(mode, 1600) << "removed with the last user, for its owner alone";
+        EXPECT_EQ(attached, 2);
+    }
+    EXPECT_EQ(own, 1);
 }
 
 TEST_F(X11Picture, SurvivesNotesThatNobodyAskedFor) {
@@ -158,6 +191,23 @@ TEST_F(X11Picture, SurvivesNotesThatNobodyAskedFor) {
         ASSERT_EQ(Displays().Picture({0, 0, 16, 16}, image), 0);
     }
     ExpectBlocks(0, 0, 320, 240, 320, 240);
+}
+
+TEST_F(X11Picture, FailsWhenTheServerDiesInTheMiddle) {
+    NEED_X11("1280x1024x24");
+    std::atomic<int> pictures{0};
+    std::thread killer([&] {
+        while (pictures < 20)
+            std::this_thread::yield();
+        server->Kill();
+    });
+    host::Image image;
+    while (Displays().Picture({0, 0, 1280, 1024}, image) == 0)
+        ++pictures;
+    EXPECT_GE(pictures, 20);
+    pictures = 20; // Whatever happened, the other thread ends.
+    killer.join();
+    EXPECT_EQ(Displays().Picture({0, 0, 1280, 1024}, image), -1);
 }
 
 TEST_F(X11Picture, FailsForGoodWhenTheServerDies) {
