@@ -18,7 +18,7 @@ int X11SharedSegment::Reserve(size_t bytes) {
     if (segment < 0)
         return -1;
     void* address = shmat(segment, nullptr, 0);
-    const bool attachedHere = address != reinterpret_cast<void*>(-1); // shmat's way to fail
+    const bool attachedHere = reinterpret_cast<intptr_t>(address) != -1; // shmat's way to fail
     if (attachedHere)
         fPixels = static_cast<uint8_t*>(address);
     const bool attachedThere = attachedHere && attach_server(segment);
