@@ -1,6 +1,6 @@
 #include "PosixHost.h"
 
-#include "ImageExporter.h"
+#include "JpegExporter.h"
 
 namespace host {
 

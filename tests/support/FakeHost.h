@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "Host.h"
-#include "ImageExporter.h"
+#include "JpegExporter.h"
 
 /// A machine that a test scripts: displays whose every pixel tells its own place, a pointer, a clock that the
 /// test sets. JPEGs are real.
@@ -34,7 +34,8 @@ class FakeHost : public host::Host,
     int pictures = 0;
     int pointerPictures = 0;
 
-    /// The bytes b, g and r at a place of the desktop, bottom to top bits; the fourth byte is garbage on purpose.
+    /// The bytes b, g and r at a place of the desktop, bottom to top bits; the fourth byte is garbage on
+    /// purpose.
     static uint32_t PixelAt(int x, int y) {
         return static_cast<uint32_t>(x & 0xFF) | static_cast<uint32_t>(y & 0xFF) << 8 |
                static_cast<uint32_t>((x + y) & 0xFF) << 16 | 0x55000000U;
@@ -72,7 +73,8 @@ class FakeHost : public host::Host,
         fPixels.assign(static_cast<size_t>(image.rowBytes / 4) * static_cast<size_t>(image.height), 0);
         for (int y = 0; y < image.height; ++y) {
             for (int x = 0; x < image.width; ++x)
-                fPixels[static_cast<size_t>(y) * static_cast<size_t>(image.rowBytes / 4) + static_cast<size_t>(x)] =
+                fPixels[static_cast<size_t>(y) * static_cast<size_t>(image.rowBytes / 4) +
+                        static_cast<size_t>(x)] =
                     PixelAt(static_cast<int>(area.x) + x / scale, static_cast<int>(area.y) + y / scale);
         }
         image.pixels = reinterpret_cast<const uint8_t*>(fPixels.data());

@@ -1,4 +1,4 @@
-#include "ImageExporter.h"
+#include "JpegExporter.h"
 
 #include <cstddef>
 #include <new>
