@@ -47,7 +47,7 @@ BareLoop::Times BareLoop::Run() {
     times.flip = milliseconds_since(mark);
     fJpegSize = tjBufSize(fWidth, fHeight, fSubsampling);
     tjCompress2(fCompressor, fFlipped.data(), fWidth, 0, fHeight, TJPF_BGRX, &fJpeg, &fJpegSize, fSubsampling,
-                fQuality, TJFLAG_NOREALLOC);
+                fQuality, TJFLAG_NOREALLOC | TJFLAG_ACCURATEDCT);
     times.encode = milliseconds_since(mark);
     return times;
 }
