@@ -2,6 +2,9 @@
 
 #include <memory>
 
+#include "AudioConverter.h"
+#include "AudioDevice.h"
+#include "AudioDriver.h"
 #include "Clock.h"
 #include "Displays.h"
 #include "PictureExporter.h"
@@ -36,6 +39,13 @@ class Host {
 
     /// A new, empty block for the exporters of this host; never null.
     virtual std::unique_ptr<PictureBlock> NewPictureBlock() = 0;
+
+    /// The machine's sound; null when it has none.
+    virtual AudioDevice* AudioDevicePort() { return nullptr; }
+    virtual AudioDriver* AudioDriverPort() { return nullptr; }
+
+    /// A new converter for one stream of sound; null if the machine has none or refuses the format.
+    virtual std::unique_ptr<AudioConverter> NewAudioConverter(const AudioConverterFormat&) { return nullptr; }
 
     /// The installed host. Must not be called before there is one.
     static Host& Current() { return *gCurrent; }
