@@ -16,19 +16,23 @@ std::string check_ipv4(const std::string& text) {
     return inet_pton(AF_INET, text.c_str(), &address) == 1 ? "" : "not an IPv4 address: " + text;
 }
 
+HostLoader::Choice choice_named(const std::string& name) {
+    if (name == "x11")
+        return HostLoader::Choice::kX11;
+    return name == "builtin" ? HostLoader::Choice::kBuiltin : HostLoader::Choice::kAuto;
+}
+
 } // namespace
 
 std::optional<int> Options::Parse(int argc, char** argv) {
     port = vnCaptureServer::kDefaultPort;
     CLI::App app{"Serves this machine's screen to a vision mixer on the network.", "glasspaned"};
-    const std::map<std::string, HostLoader::Choice> hosts{{"auto", HostLoader::Choice::kAuto},
-                                                          {"x11", HostLoader::Choice::kX11},
-                                                          {"builtin", HostLoader::Choice::kBuiltin}};
+    std::string hostName = "auto";
     app.add_option(
-           "--host", host,
+           "--host", hostName,
            "What to serve: auto (X11 when a display answers, else the test card), x11, or builtin (the "
            "test card)")
-        ->transform(CLI::CheckedTransformer(hosts).description("auto|x11|builtin"))
+        ->check(CLI::IsMember({"auto", "x11", "builtin"}))
         ->option_text("auto|x11|builtin");
     app.add_option("--port", port, "TCP port to listen on; 0 takes a free one. Default: 7272")
         ->check(CLI::Range(0, kMaxPort))
@@ -43,8 +47,12 @@ std::optional<int> Options::Parse(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : kWrongUsage;
+        if (error.get_exit_code() == 0)
+            return app.exit(error);
+        std::fprintf(stderr, "glasspaned: %s; --help tells the options\n", error.what());
+        return kWrongUsage;
     }
+    host = choice_named(hostName);
     if (!display.empty() && host == HostLoader::Choice::kBuiltin) {
         std::fputs("glasspaned: --display needs X11, and --host builtin is the test card\n", stderr);
         return kWrongUsage;
