@@ -8,6 +8,12 @@ class zMemPtrStream : public zStream {
     zMemPtrStream(char* data, unsigned int size)
         : zStream(kRead | kWrite | kSeek), fData(data), fSize(size) {}
 
+    using zStream::operator=;
+    zMemPtrStream& operator=(zMemPtrStream& other) {
+        zStream::operator=(other);
+        return *this;
+    }
+
     unsigned int OptimalBufferSize() const override { return fSize < kMaxBlock ? fSize : kMaxBlock; }
     int ReadAll(char** data, unsigned int* size) override;
     /// Points the buffer at the memory, without a copy and without ownership.

@@ -50,17 +50,17 @@ int zMemoryStream::ReadAll(char** data, unsigned int* size) {
 }
 
 int zMemoryStream::ReadAll(zBuffer* buffer) {
-    if (buffer->ResizeTo(fSize, 0) != result::kOk)
+    const unsigned int size = stored_size();
+    if (buffer->ResizeTo(size, 0) != result::kOk)
         return result::kFailure;
     fPosition = 0;
-    Read(buffer->Data(), fSize, nullptr);
+    Read(buffer->Data(), size, nullptr);
     fPosition = fSize;
     return result::kOk;
 }
 
 int zMemoryStream::Read(char* data, unsigned int size, unsigned int* read) {
-    // A closed stream keeps its size but has no bytes.
-    const auto end = static_cast<unsigned int>(std::min<size_t>(fSize, fChunks.size() * size_t{fChunkSize}));
+    const unsigned int end = stored_size();
     const unsigned int count = fPosition < end ? std::min(size, end - fPosition) : 0;
     const bool atEnd = fPosition >= end;
     for (unsigned int done = 0; done < count;) {
@@ -98,6 +98,10 @@ int zMemoryStream::Write(const char* data, unsigned int size, unsigned int* writ
 
 int zMemoryStream::Seek(int offset, unsigned char origin) {
     return seek_in_memory(offset, origin, fSize, fPosition) ? result::kOk : result::kFailure;
+}
+
+unsigned int zMemoryStream::stored_size() const {
+    return static_cast<unsigned int>(std::min<size_t>(fSize, fChunks.size() * size_t{fChunkSize}));
 }
 
 int zMemoryStream::StreamSize(unsigned int* size) {

@@ -12,6 +12,12 @@ class zMemoryStream : public zStream {
     explicit zMemoryStream(unsigned int chunkSize = 0);
     ~zMemoryStream() override { Close(); }
 
+    using zStream::operator=;
+    zMemoryStream& operator=(zMemoryStream& other) {
+        zStream::operator=(other);
+        return *this;
+    }
+
     /// Reads from the caller's memory from now on. The stream can neither write nor truncate then.
     void SetReadOnlyBuffer(char* data, unsigned int size);
 
@@ -28,6 +34,9 @@ class zMemoryStream : public zStream {
     int StreamSize(unsigned int* size) override;
 
   private:
+    /// Bytes that can be read: a closed stream keeps its size but has none.
+    unsigned int stored_size() const;
+
     unsigned int fChunkSize;
     std::vector<char*> fChunks;
     bool fOwnsChunks = true;

@@ -8,8 +8,9 @@
 
 #include "zResult.h"
 
-// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a stream copied onto itself keeps its bytes.
 zStream& zStream::operator=(zStream& other) {
+    if (&other == this)
+        return *this;
     Seek(0, kFromStart);
     other.Seek(0, kFromStart);
     BulkWriteAll(*this, other, kDefaultBufferSize);

@@ -70,6 +70,10 @@ TEST(MemoryStream, ReadOnlyMemoryTakesNoBytes) {
     stream.Seek(0, zStream::kFromStart);
     EXPECT_EQ(stream.Read(memory, 3, &count), result::kEndOfStream);
     EXPECT_EQ(count, 0U);
+    EXPECT_EQ(contents(stream), "");
+    zBuffer rest;
+    EXPECT_EQ(stream.ReadAll(&rest), 0);
+    EXPECT_EQ(rest.Size(), 0U);
 }
 
 TEST(MemoryStreams, SeekByOneRule) {
@@ -183,9 +187,27 @@ TEST(Stream, CopiesAndFindsDifferences) {
     from.Seek(0, zStream::kFromStart);
     EXPECT_EQ(zStream::BulkWriteAll(small, from, 3), -1);
     EXPECT_EQ(zStream::ExactCopy(small, from, 3), -1) << "it cannot truncate";
-    zMemoryStream assigned;
-    static_cast<zStream&>(assigned) = from;
-    EXPECT_EQ(contents(assigned), "0123456789");
+}
+
+TEST(Stream, AssignmentCopiesBytesAndNothingElse) {
+    zMemoryStream from(3);
+    from.Write("0123456789");
+    zMemoryStream chunks(4);
+    chunks = from;
+    EXPECT_EQ(contents(chunks), "0123456789");
+    EXPECT_EQ(chunks.OptimalBufferSize(), 4U) << "each keeps its own chunks";
+    zStream& same = chunks;
+    chunks = same;
+    EXPECT_EQ(contents(chunks), "0123456789");
+
+    char memory[4] = {};
+    char source[] = "abc";
+    zMemPtrStream pointer(memory, sizeof memory);
+    zMemPtrStream other(source, sizeof source);
+    pointer = other;
+    EXPECT_STREQ(memory, "abc");
+    pointer = from;
+    EXPECT_EQ(contents(pointer), "0123") << "cut short at the end of the memory";
 }
 
 TEST(FileStream, WritesReadsUpdatesAndAppends) {
