@@ -8,6 +8,11 @@ namespace {
 
 constexpr char kSeparator = '/';
 
+// A negative length means up to the zero.
+size_t text_length(const char* text, int length) {
+    return length < 0 ? std::strlen(text) : strnlen(text, static_cast<size_t>(length));
+}
+
 // Where the extension's dot is; npos when the last part has none.
 size_t find_dot(std::string_view path) {
     const size_t at = path.find_last_of("./");
@@ -26,7 +31,7 @@ zFSPath& zFSPath::operator=(const char* path) {
 void zFSPath::Assign(const char* path, int length) {
     std::string text;
     if (path)
-        text.assign(path, length < 0 ? std::strlen(path) : strnlen(path, static_cast<size_t>(length)));
+        text.assign(path, text_length(path, length));
     fPath = std::move(text);
     StripTrailingDirectory();
 }
@@ -41,7 +46,8 @@ void zFSPath::GoChild(const char* name) {
         return;
     if (name[0] == kSeparator && name[1])
         ++name;
-    fPath.append(1, kSeparator).append(name);
+    // In one piece, because the name may be a part of this very path.
+    fPath += kSeparator + std::string(name);
     StripTrailingDirectory();
 }
 
@@ -62,15 +68,14 @@ const char* zFSPath::GetLeaf() const {
 }
 
 const char* zFSPath::GetExtension(const char* path, int length) {
-    if (!path || length < 0)
+    if (!path)
         return "";
-    const size_t dot = find_dot(std::string_view(path, static_cast<size_t>(length)));
+    const size_t dot = find_dot(std::string_view(path, text_length(path, length)));
     return dot == std::string_view::npos ? "" : path + dot + 1;
 }
 
 bool zFSPath::HasExtension(const char* path, const char* extension) {
-    return path && extension &&
-           std::strcmp(GetExtension(path, static_cast<int>(std::strlen(path))), extension) == 0;
+    return path && extension && std::strcmp(GetExtension(path, -1), extension) == 0;
 }
 
 void zFSPath::ConvertStringToLocalPathStyle() {
@@ -78,6 +83,6 @@ void zFSPath::ConvertStringToLocalPathStyle() {
 }
 
 void zFSPath::ConvertStringToLocalPathStyle(char* path, int length) {
-    if (path && length > 0)
-        std::replace(path, path + length, '\\', kSeparator);
+    if (path)
+        std::replace(path, path + text_length(path, length), '\\', kSeparator);
 }

@@ -16,7 +16,8 @@ class zFSPath {
     zFSPath& operator=(const char* path);
     zFSPath& operator=(const zString& path) { return *this = static_cast<const char*>(path); }
 
-    /// Takes the text and strips one trailing separator. A negative length means up to the zero.
+    /// Takes the text and strips one trailing separator. A negative length means up to the zero, here and
+    /// below.
     void Assign(const char* path, int length);
 
     const char* Path() const { return fPath.c_str(); }

@@ -22,6 +22,13 @@ TEST(Path, GoesUpAndDown) {
     EXPECT_EQ(path.Length(), 0U);
 }
 
+TEST(Path, ItsOwnPartMayBeAdded) {
+    zFSPath path("/a/a name too long to lie in the object itself");
+    path.GoChild(path.GetLeaf());
+    EXPECT_STREQ(path.Path(), "/a/a name too long to lie in the object itself/"
+                              "a name too long to lie in the object itself");
+}
+
 TEST(Path, ExtensionBelongsToTheLastPart) {
     const struct {
         const char *path, *extension, *stripped;
@@ -39,6 +46,12 @@ TEST(Path, ExtensionBelongsToTheLastPart) {
     zFSPath foreign("a\\b\\c");
     foreign.ConvertStringToLocalPathStyle();
     EXPECT_STREQ(foreign.Path(), "a/b/c");
+    EXPECT_STREQ(zFSPath::GetExtension("a.xml", -1), "xml") << "a negative length means all";
+    char text[] = "a\\b\\c";
+    zFSPath::ConvertStringToLocalPathStyle(text, 2);
+    EXPECT_STREQ(text, "a/b\\c");
+    zFSPath::ConvertStringToLocalPathStyle(text, -1);
+    EXPECT_STREQ(text, "a/b/c");
 }
 
 TEST(Directory, WalksFilesAndFolders) {
