@@ -388,7 +388,7 @@ int zString::strcasecmp(const char* a, const char* b) {
 }
 
 int zString::strncasecmp(const char* a, const char* b, int length) {
-    return ::strncasecmp(text_or_empty(a), text_or_empty(b), static_cast<size_t>(std::max(length, 0)));
+    return ::strncasecmp(text_or_empty(a), text_or_empty(b), static_cast<size_t>(length));
 }
 
 int zStringCmp::compare_text(const char* a, const char* b) {

@@ -126,7 +126,7 @@ class zString {
     void TeanEncode(const char* key);
     void TeanDecode(const char* key);
 
-    /// Byte-wise without regard to ASCII case. A null text reads as empty.
+    /// Byte-wise without regard to ASCII case. A null text reads as empty, a negative length means all.
     static int strcasecmp(const char* a, const char* b);
     static int strncasecmp(const char* a, const char* b, int length);
     static bool string_equal(const char* a, const char* b) { return strcasecmp(a, b) == 0; }

@@ -182,6 +182,8 @@ TEST(String, LengthPrefixedTexts) {
 TEST(String, ComparesWithAndWithoutCase) {
     EXPECT_TRUE(zString::string_equal("AbC", "aBc"));
     EXPECT_TRUE(zString::string_equal("AbCx", "aBcy", 3));
+    EXPECT_FALSE(zString::string_equal("AbCx", "aBcy", -1)) << "a negative length means all";
+    EXPECT_TRUE(zString::string_equal("a", "b", 0));
     EXPECT_NE(zString("A"), zString("a"));
     EXPECT_LT(zString("a"), zString("b"));
     EXPECT_GT(zString("b"), zString());
