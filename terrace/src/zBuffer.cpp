@@ -41,11 +41,13 @@ zBuffer& zBuffer::operator=(const zBuffer& other) {
 }
 
 void zBuffer::CopyAndOwn(zBuffer& other) {
-    if (&other == this)
-        return;
-    MakeEmpty();
+    // Where both hold the same memory already, it stays with whichever of them owned it.
+    if (fData != other.fData)
+        MakeEmpty();
+    char* const owned = other.fRaw ? other.fRaw : fRaw;
     *this = other;
     other.fRaw = nullptr;
+    fRaw = owned;
 }
 
 void zBuffer::MakeEmpty() {

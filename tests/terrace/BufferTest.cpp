@@ -39,6 +39,16 @@ TEST(Buffer, CopyAndOwnMovesTheOwnershipAndLeavesAView) {
     EXPECT_FALSE(source.OwnsData());
     EXPECT_EQ(source.Data(), owner.Data());
     EXPECT_EQ(source.Size(), 3U);
+
+    owner.CopyAndOwn(source);
+    owner.CopyAndOwn(owner);
+    EXPECT_TRUE(owner.OwnsData()) << "asking twice changes nothing";
+    EXPECT_EQ(std::memcmp(source.Data(), "abc", 3), 0);
+    zBuffer shallow;
+    shallow = owner;
+    shallow.CopyAndOwn(owner);
+    EXPECT_FALSE(owner.OwnsData());
+    EXPECT_EQ(std::memcmp(owner.Data(), "abc", 3), 0);
 }
 
 TEST(Buffer, ForeignMemoryIsNotReleased) {
