@@ -6,6 +6,7 @@
 #include <string>
 
 #include <unicode/ucnv.h>
+#include <unicode/ucnv_cb.h>
 #include <unicode/ucol.h>
 #include <unicode/ustring.h>
 
@@ -72,16 +73,22 @@ int to_wide(std::u16string& out, const char* in, int length, unsigned int from) 
     return result::kOk;
 }
 
-// Null `loss` makes an unmappable character a failure.
+// Writes the byte at `loss` for an unmappable character; null lets the error stand. The library's own
+// callbacks would drop invisible characters, such as the soft hyphen, without a word.
+void answer_unmappable(const void* loss, UConverterFromUnicodeArgs* to, const UChar*, int32_t, UChar32,
+                       UConverterCallbackReason reason, UErrorCode* error) {
+    if (!loss || reason > UCNV_IRREGULAR)
+        return;
+    *error = U_ZERO_ERROR;
+    ucnv_cbFromUWriteBytes(to, static_cast<const char*>(loss), 1, 0, error);
+}
+
 int from_wide(zString& out, unsigned int to, const std::u16string& in, const char* loss) {
     const Converter converter = open_converter(to);
     if (!converter || in.empty() || in.size() > INT_MAX / 4)
         return result::kFailure;
     UErrorCode error = U_ZERO_ERROR;
-    if (loss)
-        ucnv_setSubstChars(converter.get(), loss, 1, &error);
-    ucnv_setFromUCallBack(converter.get(), loss ? UCNV_FROM_U_CALLBACK_SUBSTITUTE : UCNV_FROM_U_CALLBACK_STOP,
-                          nullptr, nullptr, nullptr, &error);
+    ucnv_setFromUCallBack(converter.get(), answer_unmappable, loss, nullptr, nullptr, &error);
 
     const auto units = static_cast<int>(in.size());
     const int bytes = ucnv_fromUChars(converter.get(), nullptr, 0, in.data(), units, &error);

@@ -30,6 +30,12 @@ TEST(Babel, UnmappableCharactersFailOrBecomeTheLossByte) {
     EXPECT_EQ(zBabel::Convert(&text, zBabel::kISOLatin1, "a\xE3\x83\x86z", -1, zBabel::kUTF8, nullptr), -1);
     EXPECT_EQ(zBabel::Convert(&text, zBabel::kISOLatin1, "a\xE3\x83\x86z", -1, zBabel::kUTF8, "?"), 0);
     EXPECT_STREQ(text, "a?z");
+    EXPECT_EQ(zBabel::Convert(&text, zBabel::kMacRoman, "a\xE2\x80\x8Bz", -1, zBabel::kUTF8, nullptr), -1)
+        << "an invisible character is one too";
+    EXPECT_EQ(zBabel::Convert(&text, zBabel::kMacRoman, "a\xE2\x80\x8Bz", -1, zBabel::kUTF8, "?"), 0);
+    EXPECT_STREQ(text, "a?z");
+    EXPECT_EQ(zBabel::Convert(&text, zBabel::kMacJapanese, "\xC3\xA9", -1, zBabel::kUTF8, "_"), 0);
+    EXPECT_STREQ(text, "_");
     EXPECT_EQ(zBabel::Convert(&text, zBabel::kISOLatin1, "\xFF", -1, zBabel::kUTF8, "?"), -1) << "no UTF-8";
     EXPECT_EQ(zBabel::Convert(&text, zBabel::kISOLatin1, "", -1, zBabel::kUTF8, nullptr), -1);
     EXPECT_EQ(zBabel::Convert(&text, 1, "a", -1, zBabel::kUTF8, nullptr), -1);
