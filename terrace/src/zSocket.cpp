@@ -12,9 +12,13 @@
 #include <cerrno>
 #include <cstring>
 
+#include "zBoot.h"
 #include "zSocket_bsd_impl.h"
+#include "zTerrace.h"
 
 namespace {
+
+zBootIncludeModule gInclude(zTerrace::boot_Module);
 
 using Impl = zSocket_bsd_impl;
 

@@ -2,9 +2,13 @@
 
 #include <cstring>
 
+#include "zBoot.h"
 #include "zCritical.h"
+#include "zTerrace.h"
 
 namespace {
+
+zBootIncludeModule gInclude(zTerrace::boot_Module);
 
 /// Top byte of the ids that are made up for names.
 constexpr int kMadeUpIDs = 0x73000000;
