@@ -54,6 +54,25 @@ TEST(Tean, SixteenCharactersOfTheKeyCount) {
     EXPECT_EQ(encoded("12345678", zTeanKey(nullptr)), encoded("12345678", zTeanKey()));
 }
 
+// The working key is the given one, its halves enciphered with itself; a text of one block is enciphered
+// twice.
+TEST(Tean, TheKeyEnciphersItselfBeforeItIsUsed) {
+    // "0123456789abcdef" and "blocktxt" as little-endian words.
+    const uint32_t given[4] = {0x33323130, 0x37363534, 0x62613938, 0x66656463};
+    uint32_t working[4];
+    zTean::encode64(given, working, given);
+    zTean::encode64(given + 2, working + 2, given);
+    uint32_t block[2] = {0x636F6C62, 0x7478746B};
+    for (int i = 0; i < 2; ++i)
+        zTean::encode64(block, block, working);
+
+    std::string expected;
+    for (const uint32_t word : block)
+        for (int shift = 0; shift < 32; shift += 8)
+            expected += static_cast<char>(word >> shift & 0xFF);
+    EXPECT_EQ(encoded("blocktxt", zTeanKey("0123456789abcdef")), expected);
+}
+
 // The round written out independently, with the order of keys as published for XTEA.
 TEST(Tean, ABlockTakesSixtyOneRounds) {
     const uint32_t key[4] = {0x11111111, 0x22222222, 0x33333333, 0x44444444};
