@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Base64 with the standard alphabet and padding (RFC 4648, section 4). Results count the terminating zero.
+/// Base64 with the standard alphabet and padding (RFC 4648, section 4).
 
 /// Room that the text of so many bytes needs, its zero included.
 int Base64encode_len(int size);

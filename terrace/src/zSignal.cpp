@@ -74,8 +74,8 @@ class zSignal_pthread : public zSignal {
     std::mutex fMutex;
     pthread_cond_t fCondition = PTHREAD_COND_INITIALIZER;
     long fCount = 0; ///< Positive: threads waiting without a signal. Negative: signals that came first.
-    long fGrants =
-        0; ///< Signals given to waiting threads that have not woken yet, so that no false wake-up counts.
+    /// Signals given to waiting threads that have not woken yet, so that no false wake-up counts.
+    long fGrants = 0;
 };
 
 zSignal* zSignal::Factory() {

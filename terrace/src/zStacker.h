@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
@@ -70,7 +69,8 @@ class zStacker {
 
     /// Makes room for `needed` elements; with `keep` the present ones stay.
     void do_reallocate(size_t needed, bool keep) {
-        const size_t capacity = std::max(fCapacity, needed > fCapacity + fStep ? needed : 0) + fStep;
+        const size_t base = needed > fCapacity + fStep ? needed : fCapacity;
+        const size_t capacity = base + fStep;
         const bool first = fData == fInline;
         void* block = first ? std::malloc(capacity * sizeof(T)) : std::realloc(fData, capacity * sizeof(T));
         if (!block)
