@@ -63,6 +63,7 @@ TEST(XML, DocumentsComeBackAsTheyWere) {
     for (const char* document : kDocuments)
         EXPECT_EQ(Again(document), document);
     EXPECT_EQ(Again("<?xml version=\"1.0\"?><!-- no --><a><![CDATA[1<2]]></a>"), "<a>1&lt;2</a>");
+    EXPECT_EQ(Again("<!DOCTYPE a SYSTEM 'a.dtd'><a />"), "<a />\n");
     EXPECT_EQ(Again("<a b='1.50' c='+1'/>"), "<a b=\"1.5\" c=\"+1\" />\n");
 }
 
@@ -123,14 +124,11 @@ TEST(XML, HostileDocumentsAreRefusedCheaply) {
     zRecord balanced;
     EXPECT_EQ(Parse(balanced, Repeat("<a>", zXML::kMaxDepth) + Repeat("</a>", zXML::kMaxDepth)), 0);
 
-    std::string bomb = "<!DOCTYPE a [<!ENTITY e0 \"0123456789abcdef0123456789abcdef\">";
-    for (int i = 1; i < 12; ++i) {
-        const std::string inner = "&e" + std::to_string(i - 1) + ";";
-        bomb += "<!ENTITY e" + std::to_string(i) + " \"" + Repeat(inner, 10) + "\">";
+    for (const char* declarations : {"<!ENTITY e '<b/>'>", "<!ATTLIST a b CDATA '1'>"}) {
+        zRecord declared;
+        EXPECT_EQ(Parse(declared, std::string("<!DOCTYPE a [") + declarations + "]><a>text</a>"), -1);
+        EXPECT_TRUE(declared.IsEmpty()) << declarations;
     }
-    zRecord expanded;
-    EXPECT_EQ(Parse(expanded, bomb + "]><a>&e11;</a>"), -1);
-    EXPECT_LT(std::strlen(zXML::GetText(expanded, 0)), 20u << 20);
 
     std::string attributes = "<a";
     for (unsigned int i = 0; i <= zXML::kMaxAttributes; ++i)

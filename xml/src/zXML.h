@@ -38,7 +38,8 @@ class zXML {
     static constexpr unsigned int kMaxAttributes = 4096;
 
     // Reading. The root becomes the document's element, in addition to what it held. On -1 it keeps what was
-    // read up to the fault.
+    // read up to the fault. A document type that declares anything itself is treated as malformed: a few
+    // bytes of entities or of default attributes would make millions of records.
 
     /// A length of -1 means up to the NUL. Bytes behind the last ">" are ignored; without any ">" the result
     /// is -1.

@@ -36,6 +36,7 @@ class Reader {
     void end_element();
     void add_text(std::string_view piece);
     void store_text();
+    void refuse() { XML_StopParser(fParser.get(), XML_FALSE); }
     zRecord* innermost() const { return fOpen.empty() ? fRoot : fOpen.back(); }
 
     const unsigned int fOptions;
@@ -57,6 +58,11 @@ Reader::Reader(unsigned int options, zRecord* root)
     XML_SetCharacterDataHandler(fParser.get(), [](void* self, const char* piece, int length) {
         static_cast<Reader*>(self)->add_text({piece, static_cast<size_t>(length)});
     });
+    XML_SetStartDoctypeDeclHandler(
+        fParser.get(), [](void* self, const char*, const char*, const char*, int hasDeclarations) {
+            if (hasDeclarations != 0)
+                static_cast<Reader*>(self)->refuse();
+        });
 }
 
 int Reader::Parse(const char* data, int size, bool last) {
@@ -70,7 +76,7 @@ void Reader::start_element(const char* name, const char** attributes) {
     store_text();
     const int attributeCount = XML_GetSpecifiedAttributeCount(fParser.get()) / 2;
     if (fOpen.size() == zXML::kMaxDepth || attributeCount > static_cast<int>(zXML::kMaxAttributes)) {
-        XML_StopParser(fParser.get(), XML_FALSE);
+        refuse();
         return;
     }
     zRecord* record = fRoot;
