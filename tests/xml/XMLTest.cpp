@@ -159,6 +159,11 @@ TEST(XML, StreamsAndFilesCarryDocuments) {
     EXPECT_EQ(Written(again), text);
     again.Child(0)->SetInt32("c", 1);
     EXPECT_FALSE(zXML::AreRecordsEqualUsingXMLBuffers(root, again));
+    zRecord one;
+    zRecord other;
+    zXML::SetText(one, "one", -1);
+    zXML::SetText(other, "other", -1);
+    EXPECT_TRUE(zXML::AreRecordsEqualUsingXMLBuffers(one, other)) << "texts are not looked at";
 
     const std::string path = testing::TempDir() + "xml_test_document.xml";
     EXPECT_EQ(zXML::WriteFile(zXML::kAll, &root, path.c_str(), "\r\n", 1), 0);

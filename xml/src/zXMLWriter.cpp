@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "zBuffer.h"
 #include "zBufferStream.h"
@@ -167,5 +168,5 @@ bool zXML::AreRecordsEqualUsingXMLBuffers(const zRecord& a, const zRecord& b) {
     if (RecordToBuffer(&first, a, kAttributes, false, false) != 0 ||
         RecordToBuffer(&second, b, kAttributes, false, false) != 0)
         return false;
-    return first.Size() == second.Size() && std::memcmp(first.Data(), second.Data(), first.Size()) == 0;
+    return std::string_view(first.Data(), first.Size()) == std::string_view(second.Data(), second.Size());
 }
