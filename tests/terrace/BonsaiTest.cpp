@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <map>
 #include <memory>
+#include <numeric>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -52,6 +55,20 @@ std::vector<int> KeysOf(const zBonsai& tree) {
     };
     EXPECT_EQ(tree.InOrderWalk(collect, &keys), 0);
     return keys;
+}
+
+/// The entries of each node, the root first, as Print shows them.
+std::vector<int> NodeSizes(const zBonsai& tree) {
+    testing::internal::CaptureStdout();
+    tree.Print();
+    std::istringstream lines(testing::internal::GetCapturedStdout());
+    std::vector<int> sizes;
+    for (std::string line; std::getline(lines, line);) {
+        int size = 0;
+        if (std::sscanf(line.c_str(), " node of %d", &size) == 1)
+            sizes.push_back(size);
+    }
+    return sizes;
 }
 
 /// Which of two actions the next step takes shifts slowly, so that trees fill up and drain again.
@@ -153,6 +170,32 @@ TEST(Bonsai, PartialKeysFindExactlyTheEntriesOfTheirKey) {
         EXPECT_EQ(tree.FindByPartialKey_Next(cursor, &found, nullptr), -1);
         tree.FindByPartialKey_End(cursor);
     }
+}
+
+TEST(Bonsai, AFullNodeSplitsInHalves) {
+    zBonsai tree(new IntOki);
+    for (int key = 0; key < 32; ++key)
+        AddPair(tree, key, 0);
+    EXPECT_EQ(NodeSizes(tree), (std::vector<int>{32}));
+    AddPair(tree, 32, 0);
+    EXPECT_EQ(NodeSizes(tree), (std::vector<int>{1, 16, 16}));
+}
+
+TEST(Bonsai, NodesStayHalfFullWhileTheTreeDrains) {
+    std::vector<int> keys(2000);
+    std::iota(keys.begin(), keys.end(), 0);
+    zBonsai tree(new IntOki);
+    for (int key : keys)
+        AddPair(tree, key, 0);
+    std::shuffle(keys.begin(), keys.end(), std::mt19937(11));
+    for (size_t i = 0; i < keys.size() - 1; ++i) {
+        DeleteKey(tree, keys[i]);
+        if (i % 50 != 0)
+            continue;
+        const std::vector<int> sizes = NodeSizes(tree);
+        EXPECT_TRUE(std::all_of(sizes.begin() + 1, sizes.end(), [](int size) { return size >= 16; })) << i;
+    }
+    EXPECT_EQ(NodeSizes(tree), (std::vector<int>{1}));
 }
 
 TEST(Bonsai, DrainsInEitherOrderAndEndsEmpty) {
