@@ -341,8 +341,8 @@ int zVariable::Compare(const zVariable& other) const {
     char buf[64];
     switch (Type()) {
     case kNone:
-        return other.Type() ==
-               kNone; // Deliberate: 1 for two empty ones; sorted lists of records rely on the order.
+        // Deliberate: 1 for two empty ones; sorted lists of records rely on the order.
+        return other.Type() == kNone;
     case kBool:
         return difference(AsBool(false), other.AsBool(false));
     case kInt8:
