@@ -1,12 +1,14 @@
 #pragma once
 
+#include "BuiltinAudioDevice.h"
+#include "BuiltinAudioDriver.h"
 #include "BuiltinDisplays.h"
 #include "BuiltinPointer.h"
 #include "PosixHost.h"
 
 namespace host {
 
-/// A machine that needs no display: test cards and a wandering pointer.
+/// A machine that needs no display: test cards, a wandering pointer and a tone.
 class BuiltinHost : public PosixHost {
   public:
     BuiltinHost() : BuiltinHost(nullptr) {}
@@ -17,14 +19,21 @@ class BuiltinHost : public PosixHost {
     Displays& DisplaysPort() override { return fDisplays; }
     Pointer& PointerPort() override { return fPointer; }
     Clock& ClockPort() override { return fClock; }
+    AudioDevice* AudioDevicePort() override { return &fAudioDevice; }
+    AudioDriver* AudioDriverPort() override { return &fAudioDriver; }
 
   private:
     explicit BuiltinHost(Clock* clock)
-        : fClock(clock ? *clock : PosixHost::ClockPort()), fDisplays(fClock), fPointer(fClock) {}
+        : fClock(clock ? *clock : PosixHost::ClockPort()),
+          fDisplays(fClock),
+          fPointer(fClock),
+          fAudioDriver(fClock) {}
 
     Clock& fClock;
     BuiltinDisplays fDisplays;
     BuiltinPointer fPointer;
+    BuiltinAudioDevice fAudioDevice;
+    BuiltinAudioDriver fAudioDriver;
 };
 
 } // namespace host

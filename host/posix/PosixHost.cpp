@@ -1,6 +1,7 @@
 #include "PosixHost.h"
 
 #include "JpegExporter.h"
+#include "SoundConverter.h"
 
 namespace host {
 
@@ -10,6 +11,10 @@ std::unique_ptr<PictureExporter> PosixHost::NewPictureExporter(int width, int he
 
 std::unique_ptr<PictureBlock> PosixHost::NewPictureBlock() {
     return NewJpegBlock();
+}
+
+std::unique_ptr<AudioConverter> PosixHost::NewAudioConverter(const AudioConverterFormat& format) {
+    return NewSoundConverter(format);
 }
 
 } // namespace host
