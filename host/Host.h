@@ -10,6 +10,7 @@
 #include "PictureExporter.h"
 #include "Pointer.h"
 #include "RunLoop.h"
+#include "WindowServer.h"
 
 namespace host {
 
@@ -34,6 +35,9 @@ class Host {
     virtual Clock& ClockPort() = 0;
     virtual RunLoop& RunLoopPort() = 0;
 
+    /// One that offers nothing, unless the machine has windows.
+    virtual WindowServer& WindowServerPort() { return fNoWindows; }
+
     /// A new exporter for pictures of this geometry; null if the machine has none or refuses the geometry.
     virtual std::unique_ptr<PictureExporter> NewPictureExporter(int width, int height, int rowBytes) = 0;
 
@@ -53,6 +57,8 @@ class Host {
   private:
     friend class HostScope;
     inline static Host* gCurrent = nullptr;
+
+    WindowServer fNoWindows;
 };
 
 /// Installs a host for a scope: the program's whole run, or one test.
