@@ -48,10 +48,13 @@ void zRecord::copy_record_not_children(const zRecord& other, bool withID) {
 
 void zRecord::copy_variables_by_position(const zRecord& other) {
     for (unsigned int i = 0; i < other.fVariables.Count(); ++i) {
-        if (i < fVariables.Count())
-            *fVariables[i] = *other.fVariables[i];
-        else
-            fVariables.Append(new zVariable(*other.fVariables[i]));
+        const zVariable& source = *other.fVariables[i];
+        if (i < fVariables.Count()) {
+            *fVariables[i] = source;
+            fVariables[i]->SetID(source.ID()); // an empty source takes it from a text
+        } else {
+            fVariables.Append(new zVariable(source));
+        }
     }
     for (unsigned int i = other.fVariables.Count(); i < fRegisteredCount; ++i)
         fVariables[i]->MakeEmpty();

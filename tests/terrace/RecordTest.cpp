@@ -187,6 +187,10 @@ TEST(Record, RegisteredVariablesAreEmptiedAndNeverDeleted) {
     other.Copy(w, false, false);
     EXPECT_EQ(other.fSecond.AsInt32(0), 20);
     EXPECT_EQ(other.Find(kA), &other.fFirst);
+    other.SetCString(kB, "text");
+    other.Copy(Watched(), false, false);
+    EXPECT_EQ(other.VariableCount(), 0u);
+    EXPECT_EQ(other.Find(kB), &other.fSecond) << "an empty value leaves the member its id";
 
     zVariable late(z4CCCC("late"));
     zRecord record;
