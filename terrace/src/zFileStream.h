@@ -25,6 +25,8 @@ class zFileStream : public zStream {
     unsigned int OptimalBufferSize() const override { return kDefaultBufferSize; }
     /// Closes an open file first. -1 for an ability other than the three, or when the file cannot be opened.
     int Open() override;
+    /// Takes over a file that is open already, in place of Open.
+    void Adopt(FILE* file) { fFile.reset(file); }
     int Close() override;
     int ReadAll(char** data, unsigned int* size) override;
     int ReadAll(zBuffer* buffer) override;

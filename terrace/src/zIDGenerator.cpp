@@ -8,12 +8,14 @@
 #include <random>
 
 #include "zString.h"
+#include "zTrace.h"
 
 unsigned int zIDGenerator::Generate([[maybe_unused]] char kind) {
     constexpr unsigned int kExhausted = 0xFFFFFFFE;
     const unsigned int id = fCurrentID.fetch_add(1) + 1;
     if (id >= kExhausted) {
-        std::fputs("zIDGenerator: Please contact quillon tech support error: id overflow\n", stderr);
+        zTrace::Default()->TraceNote(
+            "zIDGenerator: Please contact quillon tech support error: id overflow\n");
         std::exit(1);
     }
     return id;

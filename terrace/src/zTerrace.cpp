@@ -1,11 +1,13 @@
 #include "zTerrace.h"
 
 #include "zBoot.h"
+#include "zCriticalRW.h"
 #include "zErrCodeManager.h"
 #include "zSocket.h"
 #include "zStacker.h"
 #include "zStringID.h"
 #include "zThread.h"
+#include "zTrace.h"
 #include "zVariable.h"
 
 namespace {
@@ -19,7 +21,9 @@ void zTerrace::boot_Module() {}
 
 void zTerrace::Startup() {
     zThread::Startup();
+    zTrace::Startup();
     zStackerDebugStats::Startup();
+    zCriticalRW::Startup();
     zVariable::Startup();
     zStringID::Startup();
     zSocket::Startup();
@@ -32,6 +36,9 @@ void zTerrace::Shutdown() {
     zSocket::Shutdown();
     zStringID::Shutdown();
     zVariable::Shutdown();
+    zCriticalRW::Shutdown();
+    zTrace::Shutdown();
+    zThread::Shutdown();
     zErrCodeManager::FreeMemory();
 }
 

@@ -16,6 +16,7 @@
 #include "zResult.h"
 #include "zSignal.h"
 #include "zTerrace.h"
+#include "zTime.h"
 
 namespace {
 
@@ -137,7 +138,10 @@ void* zThread_pthread::main_func(void* argument) {
 int zThread_pthread::run_main(zSignal* started) {
     if (started)
         started->Signal();
-    return fMain ? fMain->Main(0, nullptr) : result::kFailure;
+    TLS_ThreadBegin();
+    const int threadResult = fMain ? fMain->Main(0, nullptr) : result::kFailure;
+    TLS_ThreadEnd();
+    return threadResult;
 }
 
 int zThread_pthread::WaitForExit() {
@@ -148,6 +152,11 @@ int zThread_pthread::WaitForExit() {
 
 void zThread::Startup() {
     CurrentThreadID();
+    TLS_Startup();
+}
+
+void zThread::Shutdown() {
+    TLS_Shutdown();
 }
 
 zThread* zThread::Factory(const char* name, zThreadMain* main, char flags, char priority) {
@@ -176,11 +185,12 @@ void zThread::MicroSleep(unsigned int microseconds) {
 }
 
 void zThread::MicroSleepUntil(long long time) {
-    if (time <= 0)
+    const long long left = time - zTime::MicroNow();
+    if (left <= 0)
         return;
-    timespec deadline;
-    deadline.tv_sec = static_cast<time_t>(time / 1'000'000);
-    deadline.tv_nsec = static_cast<long>(time % 1'000'000) * 1'000;
-    while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &deadline, nullptr) == EINTR) {
+    timespec rest;
+    rest.tv_sec = static_cast<time_t>(left / 1'000'000);
+    rest.tv_nsec = static_cast<long>(left % 1'000'000) * 1'000;
+    while (clock_nanosleep(CLOCK_MONOTONIC, 0, &rest, &rest) == EINTR) {
     }
 }
