@@ -19,21 +19,21 @@ class BuiltinHost : public PosixHost {
     Displays& DisplaysPort() override { return fDisplays; }
     Pointer& PointerPort() override { return fPointer; }
     Clock& ClockPort() override { return fClock; }
-    AudioDevice* AudioDevicePort() override { return &fAudioDevice; }
-    AudioDriver* AudioDriverPort() override { return &fAudioDriver; }
+    AudioDevice* AudioDevicePort() override { return &fToneDevice; }
+    AudioDriver* AudioDriverPort() override { return &fToneDriver; }
 
   private:
     explicit BuiltinHost(Clock* clock)
         : fClock(clock ? *clock : PosixHost::ClockPort()),
           fDisplays(fClock),
           fPointer(fClock),
-          fAudioDriver(fClock) {}
+          fToneDriver(fClock) {}
 
     Clock& fClock;
     BuiltinDisplays fDisplays;
     BuiltinPointer fPointer;
-    BuiltinAudioDevice fAudioDevice;
-    BuiltinAudioDriver fAudioDriver;
+    BuiltinAudioDevice fToneDevice;
+    BuiltinAudioDriver fToneDriver;
 };
 
 } // namespace host

@@ -3,15 +3,19 @@
 #include "Host.h"
 #include "PosixClock.h"
 #include "PosixRunLoop.h"
+#include "PulseAudioDevice.h"
+#include "PulseAudioDriver.h"
 
 namespace host {
 
-/// What the hosts of a POSIX machine have in common: its clock, a poll loop, JPEG pictures, and sound
-/// conversion.
+/// What the hosts of a POSIX machine have in common: its clock, a poll loop, JPEG pictures, and the
+/// sound server of the user, which is left alone until someone asks for sound.
 class PosixHost : public Host {
   public:
     Clock& ClockPort() override { return fClock; }
     RunLoop& RunLoopPort() override { return fRunLoop; }
+    AudioDevice* AudioDevicePort() override { return &fAudioDevice; }
+    AudioDriver* AudioDriverPort() override { return &fAudioDriver; }
     std::unique_ptr<PictureExporter> NewPictureExporter(int width, int height, int rowBytes) override;
     std::unique_ptr<PictureBlock> NewPictureBlock() override;
     std::unique_ptr<AudioConverter> NewAudioConverter(const AudioConverterFormat& format) override;
@@ -19,6 +23,8 @@ class PosixHost : public Host {
   private:
     PosixClock fClock;
     PosixRunLoop fRunLoop;
+    PulseAudioDevice fAudioDevice;
+    PulseAudioDriver fAudioDriver{fAudioDevice};
 };
 
 } // namespace host

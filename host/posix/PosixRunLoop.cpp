@@ -31,6 +31,7 @@ void PosixRunLoop::Run() {
             if (!source->removed)
                 source->ready();
         }
+        fire_due_timers();
     }
 }
 
@@ -55,6 +56,48 @@ void PosixRunLoop::RemoveDescriptor(int descriptor) {
     fSources.erase(found);
 }
 
+int PosixRunLoop::AddTimer(int milliseconds, std::function<void()> fire) {
+    const std::chrono::milliseconds period(std::max(milliseconds, 1));
+    const Moment due = std::chrono::steady_clock::now() + period;
+    fTimers.push_back(std::make_shared<Timer>(Timer{++fLastTimer, period, due, std::move(fire)}));
+    return fLastTimer;
+}
+
+void PosixRunLoop::RemoveTimer(int timer) {
+    const auto found =
+        std::find_if(fTimers.begin(), fTimers.end(), [&](const auto& one) { return one->number == timer; });
+    if (found == fTimers.end())
+        return;
+    (*found)->removed = true;
+    fTimers.erase(found);
+}
+
+/// Milliseconds, rounded up so that no timer is found early; -1 without timers.
+int PosixRunLoop::time_until_due() const {
+    if (fTimers.empty())
+        return -1;
+    const auto& first = *std::min_element(fTimers.begin(), fTimers.end(),
+                                          [](const auto& a, const auto& b) { return a->due < b->due; });
+    const auto rest =
+        std::chrono::ceil<std::chrono::milliseconds>(first->due - std::chrono::steady_clock::now());
+    return static_cast<int>(std::max<int64_t>(rest.count(), 0));
+}
+
+void PosixRunLoop::fire_due_timers() {
+    if (fTimers.empty())
+        return;
+    const Moment now = std::chrono::steady_clock::now();
+    const TimerList timers = fTimers;
+    for (const auto& timer : timers) {
+        if (timer->removed || timer->due > now)
+            continue;
+        timer->due += timer->period;
+        if (timer->due <= now)
+            timer->due = now + timer->period;
+        timer->fire();
+    }
+}
+
 /// Takes back every Stop so far, so that the loop can run again.
 bool PosixRunLoop::take_stop() {
     char bytes[64];
@@ -74,7 +117,7 @@ bool PosixRunLoop::wait(SourceList& readySources) {
     std::vector<pollfd> entries{{fStopReader, POLLIN, 0}};
     for (const auto& source : watched)
         entries.push_back({source->descriptor, POLLIN, 0});
-    if (poll(entries.data(), entries.size(), -1) < 0)
+    if (poll(entries.data(), entries.size(), time_until_due()) < 0)
         return errno == EINTR || errno == ENOMEM;
     if (take_stop())
         return false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -20,8 +21,12 @@ class PosixRunLoop : public RunLoop {
     void Stop() override;
     void AddDescriptor(int descriptor, std::function<void()> ready) override;
     void RemoveDescriptor(int descriptor) override;
+    int AddTimer(int milliseconds, std::function<void()> fire) override;
+    void RemoveTimer(int timer) override;
 
   private:
+    using Moment = std::chrono::steady_clock::time_point;
+
     /// Shared with the round that calls it, so that a call may remove its own source.
     struct Source {
         int descriptor;
@@ -30,12 +35,26 @@ class PosixRunLoop : public RunLoop {
     };
     using SourceList = std::vector<std::shared_ptr<Source>>;
 
+    /// Shared with the round that fires it, as a source is.
+    struct Timer {
+        int number;
+        std::chrono::milliseconds period;
+        Moment due;
+        std::function<void()> fire;
+        bool removed = false;
+    };
+    using TimerList = std::vector<std::shared_ptr<Timer>>;
+
     bool take_stop();
     bool wait(SourceList& readySources);
+    int time_until_due() const;
+    void fire_due_timers();
 
     int fStopReader = -1;
     int fStopWriter = -1;
     SourceList fSources;
+    TimerList fTimers;
+    int fLastTimer = 0;
 };
 
 } // namespace host
