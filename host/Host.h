@@ -6,6 +6,7 @@
 #include "AudioDevice.h"
 #include "AudioDriver.h"
 #include "Clock.h"
+#include "Desktop.h"
 #include "Displays.h"
 #include "PictureExporter.h"
 #include "Pointer.h"
@@ -38,6 +39,8 @@ class Host {
     /// One that offers nothing, unless the machine has windows.
     virtual WindowServer& WindowServerPort() { return fNoWindows; }
 
+    virtual Desktop& DesktopPort() { return fBareDesktop; }
+
     /// A new exporter for pictures of this geometry; null if the machine has none or refuses the geometry.
     virtual std::unique_ptr<PictureExporter> NewPictureExporter(int width, int height, int rowBytes) = 0;
 
@@ -59,6 +62,7 @@ class Host {
     inline static Host* gCurrent = nullptr;
 
     WindowServer fNoWindows;
+    Desktop fBareDesktop;
 };
 
 /// Installs a host for a scope: the program's whole run, or one test.
