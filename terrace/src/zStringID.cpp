@@ -56,22 +56,18 @@ int zStringID::Add(int id, const char* text, [[maybe_unused]] bool unused) {
     const int tiedTo = find_by_text(text);
     if (tiedTo == id)
         return 0;
-    if (tiedTo != 0 || has_id(id) || !has_room_for(text))
+    if (tiedTo != 0 || has_id(id) || !has_room_for(text, kMaxBytes))
         return -1;
     add_pair(id, text);
     return 0;
 }
 
 int zStringID::IDForString(const char* text, bool findOnly) {
-    if (text == nullptr)
-        return 0;
-    const zAutoCritical lock(fCritical.get());
-    int id = find_by_text(text);
-    if (id == 0 && !findOnly && has_room_for(text)) {
-        id = generate_unique_id(text);
-        add_pair(id, text);
-    }
-    return id;
+    return find_or_make(text, findOnly ? 0 : kMaxBytes);
+}
+
+int zStringID::IDForDocumentString(const char* text) {
+    return find_or_make(text, kMaxDocumentBytes);
 }
 
 const char* zStringID::StringForID(int id, const char* defaultText) {
@@ -100,8 +96,20 @@ bool zStringID::has_id(int id) {
     return fByID.Find(&entry, &entry, nullptr, 0) == 0;
 }
 
-bool zStringID::has_room_for(const char* text) const {
-    return fBytes + cost_of(text) <= kMaxBytes;
+int zStringID::find_or_make(const char* text, size_t maxBytes) {
+    if (text == nullptr)
+        return 0;
+    const zAutoCritical lock(fCritical.get());
+    int id = find_by_text(text);
+    if (id == 0 && has_room_for(text, maxBytes)) {
+        id = generate_unique_id(text);
+        add_pair(id, text);
+    }
+    return id;
+}
+
+bool zStringID::has_room_for(const char* text, size_t maxBytes) const {
+    return fBytes + cost_of(text) <= maxBytes;
 }
 
 void zStringID::add_pair(int id, const char* text) {

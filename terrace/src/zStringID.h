@@ -16,6 +16,8 @@ class zStringID {
     /// Bytes of names that the dictionary takes, far more than programs and documents have. Names also come
     /// from clients, and none is ever forgotten.
     static constexpr size_t kMaxBytes = size_t{64} << 20;
+    /// Of these, what names from documents may fill: the rest is the program's own.
+    static constexpr size_t kMaxDocumentBytes = size_t{32} << 20;
 
     zStringID();
     ~zStringID();
@@ -38,6 +40,10 @@ class zStringID {
     /// so does every new one when the dictionary is full.
     int IDForString(const char* text, bool findOnly);
 
+    /// The id of a name that a document brought, which may come from anyone. 0 for a null one, and for a new
+    /// one when documents have filled their share.
+    int IDForDocumentString(const char* text);
+
     /// The text of an id, owned by this object, or `defaultText` for an unknown id.
     const char* StringForID(int id, const char* defaultText);
 
@@ -47,7 +53,8 @@ class zStringID {
   private:
     int find_by_text(const char* text);
     bool has_id(int id);
-    bool has_room_for(const char* text) const;
+    int find_or_make(const char* text, size_t maxBytes);
+    bool has_room_for(const char* text, size_t maxBytes) const;
     void add_pair(int id, const char* text);
 
     zBonsai fByText;

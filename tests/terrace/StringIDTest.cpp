@@ -49,17 +49,25 @@ TEST(StringID, BootTiesTheReservedNames) {
         EXPECT_EQ(static_cast<unsigned int>(zStringID::ID(name)), id) << name;
 }
 
-TEST(StringID, NamesFromOutsideCannotFillTheMemory) {
+TEST(StringID, NamesFromOutsideFillOnlyTheirShare) {
     zStringID ids;
     std::string name(1u << 20, 'x');
-    unsigned int taken = 0;
+    unsigned int fromDocuments = 0;
+    unsigned int own = 0;
     for (int i = 0; i < 100; ++i) {
         name[0] = static_cast<char>(i + 1);
-        taken += ids.IDForString(name.c_str(), false) != 0;
+        fromDocuments += ids.IDForDocumentString(name.c_str()) != 0;
     }
-    EXPECT_EQ(taken, 63u);
+    EXPECT_EQ(fromDocuments, 31u);
+    for (int i = 100; i < 200; ++i) {
+        name[0] = static_cast<char>(i + 1);
+        own += ids.IDForString(name.c_str(), false) != 0;
+    }
+    EXPECT_EQ(own, 32u);
     EXPECT_EQ(ids.Add(5, name.c_str(), false), -1);
     EXPECT_NE(ids.IDForString("a short one", false), 0) << "there is room for it";
+    EXPECT_EQ(ids.IDForDocumentString("another"), 0);
+    EXPECT_NE(ids.IDForDocumentString("a short one"), 0) << "a known name is always found";
 }
 
 TEST(StringID, ThreadsAgreeOnNewNames) {

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <memory>
 
+#include "zStringID.h"
 #include "zXML.h"
 
 namespace {
@@ -253,8 +254,10 @@ int zXMLRPC::xmlrpc_to_struct(const zRecord* node, zRecord& record) {
         const zRecord* name = locate(*member, kName);
         const zRecord* value = locate(*member, kValue);
         const char* text = value != nullptr ? text_of_value(*value) : nullptr;
-        if (name != nullptr && text != nullptr)
-            record.SetAuto(zXML::GetText(*name, 0), text);
+        if (name == nullptr || text == nullptr)
+            continue;
+        if (const int id = zStringID::Default()->IDForDocumentString(zXML::GetText(*name, 0)); id != 0)
+            record.SetAuto(id, text);
     }
     return 0;
 }

@@ -9,6 +9,7 @@
 #include "zBuffer.h"
 #include "zBufferStream.h"
 #include "zFileStream.h"
+#include "zStringID.h"
 #include "zXML.h"
 
 namespace {
@@ -90,8 +91,10 @@ void Reader::start_element(const char* name, const char** attributes) {
     record->SetCString(zRecord::kXMLTag, name);
     if ((fOptions & zXML::kAttributes) == 0)
         return;
-    for (; attributes[0] != nullptr; attributes += 2)
-        record->SetAuto(attributes[0], attributes[1]);
+    for (; attributes[0] != nullptr; attributes += 2) {
+        if (const int id = zStringID::Default()->IDForDocumentString(attributes[0]); id != 0)
+            record->SetAuto(id, attributes[1]);
+    }
 }
 
 void Reader::end_element() {
