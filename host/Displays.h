@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -20,10 +21,21 @@ struct Image {
     int rowBytes = 0; ///< From one row to the next; at least width * 4.
 };
 
+/// Hears which parts of the desktop were drawn anew.
+class RefreshListener {
+  public:
+    virtual ~RefreshListener() = default;
+
+    /// \p areas in desktop coordinates, in no order, as coarse or fine as the machine likes. On the main
+    /// thread, from its run loop; it must not take long.
+    virtual void ScreenRefreshed(std::span<const Rect> areas) = 0;
+};
+
 /// The machine's displays and the pixels they show.
 ///
-/// ActiveDisplays, MainDisplay, Bounds and ProductName may be called from any thread. Picture is called by
-/// one thread at a time: its callers serialise themselves, since they share the pixels that it returns.
+/// ActiveDisplays, MainDisplay, Bounds, ProductName and IsCaptured may be called from any thread. Picture is
+/// called by one thread at a time: its callers serialise themselves, since they share the pixels that it
+/// returns.
 class Displays {
   public:
     virtual ~Displays() = default;
@@ -45,6 +57,17 @@ class Displays {
     /// are black. \p image may have more pixels than the area (a scaled display), never fewer.
     /// 0, or -1 without a picture: an empty or absurd area, or a machine whose displays went away.
     virtual int Picture(const Rect& area, Image& image) = 0;
+
+    /// Begins to tell \p listener of what is drawn from now on, through the run loop of the current host, and
+    /// ends that. A listener stays its owner's, registers once, and unregisters before it or the host goes;
+    /// no call comes afterwards. Main thread only, and not from inside a call. Without listeners the machine
+    /// has no work with it.
+    virtual void RegisterRefreshListener(RefreshListener& listener) = 0;
+    virtual void UnregisterRefreshListener(RefreshListener& listener) = 0;
+
+    /// True while nobody hears what changes on the display, since a program has it to itself or the machine
+    /// can't tell. It has to be captured whole then. 0 asks for the main display.
+    virtual bool IsCaptured(DisplayId id) = 0;
 };
 
 } // namespace host

@@ -4,7 +4,7 @@
 
 namespace host {
 
-/// The main thread's loop: waits for descriptors and calls who is interested.
+/// The main thread's loop: waits for descriptors and for points in time, and calls who is interested.
 class RunLoop {
   public:
     virtual ~RunLoop() = default;
@@ -22,6 +22,13 @@ class RunLoop {
     /// Ends the calls for \p descriptor; nothing if there are none. Main thread only, also from inside a
     /// call.
     virtual void RemoveDescriptor(int descriptor) = 0;
+
+    /// Calls \p fire on the main thread about every \p milliseconds (at least 1), for the first time after
+    /// that long. Times that were missed are left out. Returns the timer's number, never 0. Main thread only.
+    virtual int AddTimer(int milliseconds, std::function<void()> fire) = 0;
+
+    /// Ends a timer; nothing if there is none by that number. Main thread only, also from inside a call.
+    virtual void RemoveTimer(int timer) = 0;
 };
 
 } // namespace host

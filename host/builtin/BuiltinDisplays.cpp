@@ -1,11 +1,14 @@
 #include "BuiltinDisplays.h"
 
+#include "Host.h"
+
 namespace host {
 namespace {
 
 constexpr std::array<PixelRect, 2> kPlaces{{{0, 0, 1280, 720}, {1280, 0, 1024, 768}}};
 constexpr PixelRect kDesktop{0, 0, 1280 + 1024, 768};
 constexpr int kRowBytes = kDesktop.width * 4;
+constexpr int kReportPeriod = 16; // Milliseconds: nearly 60 times a second, like a screen.
 
 /// The ids count from 1, in the order of the places.
 const PixelRect* place_of(DisplayId id) {
@@ -21,6 +24,11 @@ TestCard card(std::vector<uint8_t>& desktop, DisplayId id) {
 
 BuiltinDisplays::BuiltinDisplays(Clock& clock)
     : fClock(clock), fDesktop(kDesktop.Bytes()), fCards{card(fDesktop, 1), card(fDesktop, 2)} {}
+
+BuiltinDisplays::~BuiltinDisplays() {
+    if (fTimer)
+        fLoop->RemoveTimer(fTimer);
+}
 
 int BuiltinDisplays::ActiveDisplays(std::vector<DisplayId>& ids) {
     ids = {1, 2};
@@ -56,6 +64,39 @@ int BuiltinDisplays::Picture(const Rect& area, Image& image) {
     const PixelRect visible = wanted.Intersection(kDesktop);
     image = visible == wanted ? view(wanted) : fComposed.Compose(wanted, visible, view(visible));
     return 0;
+}
+
+void BuiltinDisplays::RegisterRefreshListener(RefreshListener& listener) {
+    fListeners.push_back(&listener);
+    if (fTimer)
+        return;
+    fReported = fClock.MicrosecondsSinceBoot();
+    fLoop = &Host::Current().RunLoopPort();
+    fTimer = fLoop->AddTimer(kReportPeriod, [this] { report_changes(); });
+}
+
+void BuiltinDisplays::UnregisterRefreshListener(RefreshListener& listener) {
+    std::erase(fListeners, &listener);
+    if (!fListeners.empty() || !fTimer)
+        return;
+    fLoop->RemoveTimer(fTimer);
+    fTimer = 0;
+}
+
+void BuiltinDisplays::report_changes() {
+    const int64_t now = fClock.MicrosecondsSinceBoot();
+    std::vector<Rect> areas;
+    for (size_t i = 0; i < fCards.size(); ++i) {
+        for (const PixelRect& area : fCards[i].ChangedAreas(fReported, now))
+            areas.push_back({static_cast<double>(kPlaces[i].x + area.x),
+                             static_cast<double>(kPlaces[i].y + area.y), static_cast<double>(area.width),
+                             static_cast<double>(area.height)});
+    }
+    fReported = now;
+    if (areas.empty())
+        return;
+    for (RefreshListener* listener : fListeners)
+        listener->ScreenRefreshed(areas);
 }
 
 Image BuiltinDisplays::view(const PixelRect& area) const {

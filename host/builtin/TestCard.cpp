@@ -29,6 +29,7 @@ constexpr int kBarsRow = 11;
 constexpr int kRampRow = 17;
 constexpr int kStepsRow = 19;
 constexpr int kPatternsRow = 21;
+constexpr int kFlashRow = 24;
 constexpr int kClockRow = 25;
 constexpr int kPanelEnd = 28;
 constexpr int kTrackRow = 31;
@@ -59,6 +60,21 @@ void TestCard::Update(int64_t microseconds, const PixelRect& area) {
         paint_clock(microseconds);
     if (!area.Intersection(TrackArea()).IsEmpty())
         paint_track(microseconds);
+    if (!area.Intersection(FlashArea()).IsEmpty())
+        paint_flash(microseconds);
+}
+
+std::vector<PixelRect> TestCard::ChangedAreas(int64_t before, int64_t after) const {
+    std::vector<PixelRect> areas;
+    if (before != after)
+        areas = {ClockArea(), TrackArea()};
+    if (IsFlashing(before) != IsFlashing(after))
+        areas.push_back(FlashArea());
+    return areas;
+}
+
+bool TestCard::IsFlashing(int64_t microseconds) {
+    return microseconds % kSecond < kFlash;
 }
 
 PixelRect TestCard::ClockArea() const {
@@ -67,6 +83,10 @@ PixelRect TestCard::ClockArea() const {
 
 PixelRect TestCard::TrackArea() const {
     return {fUnit, kTrackRow * fUnit / 2, fCanvas.Width() - 2 * fUnit, (kTrackEnd - kTrackRow) * fUnit / 2};
+}
+
+PixelRect TestCard::FlashArea() const {
+    return {3 * fUnit / 2, kFlashRow * fUnit / 2, 2 * fUnit, 2 * fUnit};
 }
 
 PixelRect TestCard::panel(int rowStart, int rowEnd) const {
@@ -215,6 +235,10 @@ void TestCard::paint_track(int64_t microseconds) {
         fCanvas.Fill({track.x + blockWidth / 2 + travel * tick / 10, track.y, 1, track.height}, kGridLine);
     fCanvas.Fill({track.x + place, track.y, blockWidth, track.height}, kYellow);
     fCanvas.Fill({track.x + place + blockWidth / 2, track.y, 1, track.height}, kBlack);
+}
+
+void TestCard::paint_flash(int64_t microseconds) {
+    fCanvas.Fill(FlashArea(), IsFlashing(microseconds) ? kWhite : kBlack);
 }
 
 } // namespace host

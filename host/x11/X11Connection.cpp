@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <sys/socket.h>
 
+#include <xcb/damage.h>
 #include <xcb/randr.h>
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
@@ -106,7 +107,8 @@ X11Connection::X11Connection(xcb_connection_t* xcb, const xcb_screen_t& screen)
       fFormat(layout_of(xcb_get_setup(xcb), screen)),
       fHasMonitors(query_monitors()),
       fHasCursor(query_cursor()),
-      fHasSharedMemory(query_shared_memory()) {}
+      fHasSharedMemory(query_shared_memory()),
+      fHasDamage(fHasCursor && query_damage()) {}
 
 X11Connection::~X11Connection() {
     xcb_disconnect(fXcb);
@@ -141,6 +143,14 @@ bool X11Connection::query_shared_memory() const {
     const auto cookie = xcb_shm_query_version(fXcb);
     return X11Reply<xcb_shm_query_version_reply_t>(xcb_shm_query_version_reply(fXcb, cookie, nullptr)) !=
            nullptr;
+}
+
+bool X11Connection::query_damage() const {
+    if (!has_extension(fXcb, xcb_damage_id))
+        return false;
+    const auto cookie = xcb_damage_query_version(fXcb, 1, 1);
+    return X11Reply<xcb_damage_query_version_reply_t>(
+               xcb_damage_query_version_reply(fXcb, cookie, nullptr)) != nullptr;
 }
 
 } // namespace host

@@ -36,6 +36,7 @@ class X11Connection {
     bool HasMonitors() const { return fHasMonitors; }         ///< RandR 1.5 or later.
     bool HasCursor() const { return fHasCursor; }             ///< XFixes.
     bool HasSharedMemory() const { return fHasSharedMemory; } ///< MIT-SHM, with a server on this machine.
+    bool HasDamage() const { return fHasDamage; }             ///< DAMAGE, with XFixes for its regions.
 
     /// Throws away what the server sent unasked, such as notes on keyboard maps, which would pile up
     /// otherwise.
@@ -46,6 +47,7 @@ class X11Connection {
     bool query_monitors() const;
     bool query_cursor() const;
     bool query_shared_memory() const;
+    bool query_damage() const;
 
     xcb_connection_t* fXcb;
     uint32_t fRoot;
@@ -55,6 +57,7 @@ class X11Connection {
     bool fHasMonitors;
     bool fHasCursor;
     bool fHasSharedMemory;
+    bool fHasDamage;
 };
 
 } // namespace host

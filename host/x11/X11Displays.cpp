@@ -1,9 +1,9 @@
 #include "X11Displays.h"
 
-#include <string_view>
-
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
+
+#include "X11Text.h"
 
 namespace host {
 namespace {
@@ -24,51 +24,13 @@ bool take_screen(xcb_connection_t* xcb, xcb_get_geometry_cookie_t cookie, PixelR
     return true;
 }
 
-/// The bytes of the UTF-8 character that starts with \p lead; 0 when none does.
-size_t character_length(unsigned char lead) {
-    if (lead < 0x80)
-        return 1;
-    if (lead < 0xC2 || lead > 0xF4)
-        return 0;
-    return lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-}
-
-bool is_utf8(std::string_view text) {
-    while (!text.empty()) {
-        const size_t length = character_length(static_cast<unsigned char>(text[0]));
-        if (length == 0 || length > text.size())
-            return false;
-        for (size_t i = 1; i < length; ++i) {
-            if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80)
-                return false;
-        }
-        text.remove_prefix(length);
-    }
-    return true;
-}
-
-/// Names are Latin-1 by the protocol's letter, but whatever the terminal spoke where a user set a monitor by
-/// hand.
-std::string utf8_from(std::string_view name) {
-    if (is_utf8(name))
-        return std::string(name);
-    std::string text;
-    for (const char character : name) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte < 0x80) {
-            text += character;
-        } else {
-            text += static_cast<char>(0xC0 | byte >> 6);
-            text += static_cast<char>(0x80 | (byte & 0x3F));
-        }
-    }
-    return text;
-}
-
 } // namespace
 
-X11Displays::X11Displays(const X11Connection& connection, X11Transport transport)
-    : fConnection(connection), fGrabber(connection, transport), fScreen(connection.FirstScreen()) {}
+X11Displays::X11Displays(const X11Connection& connection, const char* displayName, X11Transport transport)
+    : fConnection(connection),
+      fGrabber(connection, transport),
+      fRefresh(displayName),
+      fScreen(connection.FirstScreen()) {}
 
 int X11Displays::ActiveDisplays(std::vector<DisplayId>& ids) {
     std::vector<Monitor> monitors;
@@ -115,7 +77,7 @@ std::string X11Displays::ProductName(DisplayId id) {
         xcb_get_atom_name_reply(fConnection.Xcb(), cookie, nullptr));
     if (!reply)
         return "";
-    return utf8_from({xcb_get_atom_name_name(reply.get()),
+    return TextFromX11({xcb_get_atom_name_name(reply.get()),
                       static_cast<size_t>(xcb_get_atom_name_name_length(reply.get()))});
 }
 

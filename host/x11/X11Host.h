@@ -25,7 +25,7 @@ class X11Host : public PosixHost {
     X11Transport Transport() const { return fDisplays.Transport(); }
 
   private:
-    X11Host(std::unique_ptr<X11Connection> connection, X11Transport transport);
+    X11Host(std::unique_ptr<X11Connection> connection, const char* displayName, X11Transport transport);
 
     std::unique_ptr<X11Connection> fConnection;
     X11Displays fDisplays;

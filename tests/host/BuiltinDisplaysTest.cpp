@@ -1,5 +1,6 @@
 #include "BuiltinHost.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -107,6 +108,78 @@ TEST(BuiltinDisplays, MoveWithTheClockOnly) {
             changed += after[i] != before[i];
         EXPECT_GT(changed, 50U);
         EXPECT_LT(changed, after.size() / 50);
+    }
+}
+
+/// Collects what a machine reports, for a while of its run loop.
+class Listening : public host::RefreshListener {
+  public:
+    explicit Listening(host::Host& machine) : fMachine(machine), fScope(machine) {
+        machine.DisplaysPort().RegisterRefreshListener(*this);
+    }
+    ~Listening() override { fMachine.DisplaysPort().UnregisterRefreshListener(*this); }
+
+    std::vector<host::Rect> Await() {
+        fAreas.clear();
+        const int bound = fMachine.RunLoopPort().AddTimer(200, [&] { fMachine.RunLoopPort().Stop(); });
+        fMachine.RunLoopPort().Run();
+        fMachine.RunLoopPort().RemoveTimer(bound);
+        return fAreas;
+    }
+
+  private:
+    void ScreenRefreshed(std::span<const host::Rect> areas) override {
+        fAreas.assign(areas.begin(), areas.end());
+        fMachine.RunLoopPort().Stop();
+    }
+
+    host::Host& fMachine;
+    host::HostScope fScope;
+    std::vector<host::Rect> fAreas;
+};
+
+TEST(BuiltinDisplays, ReportWhatMoves) {
+    SetClock clock;
+    host::BuiltinHost machine(clock);
+    const host::Rect desktop{0, 0, 2304, 768};
+    // From one time to the next: within a flash, out of it, a while in the dark, into the next one.
+    const int64_t times[] = {50'000, 99'999, 100'001, 516'667, 1'000'000, 1'099'999, 7'050'000};
+    clock.microseconds = 20'000;
+    Listening listening(machine);
+    EXPECT_TRUE(listening.Await().empty()) << "time stands still";
+    for (const int64_t time : times) {
+        const auto before = grab(machine, desktop);
+        clock.microseconds = time;
+        const auto reported = listening.Await();
+        const auto after = grab(machine, desktop);
+        for (size_t i = 0; i < after.size(); ++i) {
+            const auto x = static_cast<double>(i % 2304);
+            const auto y = static_cast<double>(i / 2304);
+            ASSERT_TRUE(before[i] == after[i] || std::any_of(reported.begin(), reported.end(),
+                                                             [&](const host::Rect& area) {
+                                                                 return x >= area.x &&
+                                                                        x < area.x + area.width &&
+                                                                        y >= area.y &&
+                                                                        y < area.y + area.height;
+                                                             }))
+                << time << " at " << x << "," << y;
+        }
+    }
+}
+
+TEST(BuiltinDisplays, FlashAtEveryWholeSecond) {
+    SetClock clock;
+    host::BuiltinHost machine(clock);
+    const host::Rect middles[] = {{100, 520, 1, 1}, {1280 + 105, 546, 1, 1}};
+    const struct {
+        int64_t time;
+        uint32_t colour;
+    } rows[] = {
+        {999'999, 0}, {1'000'000, 0xFFFFFF}, {1'099'999, 0xFFFFFF}, {1'100'000, 0}, {77'000'000, 0xFFFFFF}};
+    for (const auto& row : rows) {
+        clock.microseconds = row.time;
+        for (const host::Rect& middle : middles)
+            EXPECT_EQ(grab(machine, middle), std::vector<uint32_t>{row.colour}) << row.time;
     }
 }
 

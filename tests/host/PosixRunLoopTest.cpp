@@ -1,6 +1,9 @@
 #include "PosixRunLoop.h"
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
+#include <string>
 #include <thread>
 #include <unistd.h>
 
@@ -125,6 +128,33 @@ TEST(PosixRunLoop, ForgetsADescriptorThatItsOwnerClosed) {
     pipe.Write();
     loop.Run();
     EXPECT_EQ(calls, 0);
+}
+
+TEST(PosixRunLoop, FiresTimersInTheirOwnTimeUntilTheyAreRemoved) {
+    host::PosixRunLoop loop;
+    std::string fired;
+    int fast = 0;
+    int slow = 0;
+    int once = 0;
+    once = loop.AddTimer(1, [&] {
+        fired += 'o';
+        loop.RemoveTimer(once);
+        loop.RemoveTimer(12345);
+    });
+    slow = loop.AddTimer(40, [&] {
+        fired += 's';
+        loop.RemoveTimer(fast); // Due in the same round, or soon.
+        loop.AddTimer(60, [&] { loop.Stop(); });
+    });
+    fast = loop.AddTimer(15, [&] { fired += 'f'; });
+    const auto start = std::chrono::steady_clock::now();
+    loop.Run();
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
+    EXPECT_EQ(fired.substr(0, 2), "of");
+    EXPECT_EQ(std::count(fired.begin(), fired.end(), 'o'), 1);
+    EXPECT_LE(std::count(fired.begin(), fired.end(), 'f'), 2) << fired;
+    EXPECT_GE(std::count(fired.begin(), fired.end(), 's'), 1);
+    EXPECT_NE(slow, 0);
 }
 
 TEST(PosixClock, GoesOnInMicroseconds) {

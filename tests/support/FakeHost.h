@@ -29,9 +29,11 @@ class FakeHost : public host::Host,
     uint32_t systemVersion = 0x1080;
     int64_t microseconds = 0;
     bool hasExporter = true;
+    bool captured = false; ///< Nobody hears what changes.
 
     // What the test counts.
     int pictures = 0;
+    std::vector<host::RefreshListener*> refreshListeners;
     int pointerPictures = 0;
 
     /// The bytes b, g and r at a place of the desktop, bottom to top bits; the fourth byte is garbage on
@@ -39,6 +41,12 @@ class FakeHost : public host::Host,
     static uint32_t PixelAt(int x, int y) {
         return static_cast<uint32_t>(x & 0xFF) | static_cast<uint32_t>(y & 0xFF) << 8 |
                static_cast<uint32_t>((x + y) & 0xFF) << 16 | 0x55000000U;
+    }
+
+    /// Tells whoever listens that these areas were drawn.
+    void Refresh(const std::vector<host::Rect>& areas) {
+        for (host::RefreshListener* listener : refreshListeners)
+            listener->ScreenRefreshed(areas);
     }
 
     const char* Name() const override { return "fake"; }
@@ -81,6 +89,14 @@ class FakeHost : public host::Host,
         return 0;
     }
 
+    void RegisterRefreshListener(host::RefreshListener& listener) override {
+        refreshListeners.push_back(&listener);
+    }
+    void UnregisterRefreshListener(host::RefreshListener& listener) override {
+        std::erase(refreshListeners, &listener);
+    }
+    bool IsCaptured(host::DisplayId) override { return captured; }
+
     bool IsVisible() override { return pointerVisible; }
     bool IsDrawnInFramebuffer() override { return pointerInFramebuffer; }
     int Location(host::Point& location) override {
@@ -100,6 +116,8 @@ class FakeHost : public host::Host,
     void Stop() override {}
     void AddDescriptor(int, std::function<void()>) override {}
     void RemoveDescriptor(int) override {}
+    int AddTimer(int, std::function<void()>) override { return 1; }
+    void RemoveTimer(int) override {}
 
     std::vector<uint32_t> fPixels;
 };

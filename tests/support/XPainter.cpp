@@ -20,12 +20,16 @@ XPainter::~XPainter() {
 }
 
 void XPainter::Fill(int x, int y, int width, int height, uint32_t colour) {
+    Draw(x, y, width, height, colour);
+    sync();
+}
+
+void XPainter::Draw(int x, int y, int width, int height, uint32_t colour) {
     const uint32_t value = pixel(colour);
     const xcb_rectangle_t area{static_cast<int16_t>(x), static_cast<int16_t>(y), static_cast<uint16_t>(width),
                                static_cast<uint16_t>(height)};
     xcb_change_gc(fXcb, fPen, XCB_GC_FOREGROUND, &value);
     xcb_poly_fill_rectangle(fXcb, fScreen->root, fPen, 1, &area);
-    sync();
 }
 
 int XPainter::Xrandr(const std::string& arguments) {

@@ -17,6 +17,9 @@ class XPainter {
     /// Fills a rectangle with the nearest that the screen has to 0xRRGGBB.
     void Fill(int x, int y, int width, int height, uint32_t colour);
 
+    /// The same, without waiting for it to take effect.
+    void Draw(int x, int y, int width, int height, uint32_t colour);
+
     /// Runs xrandr on the screen; its exit status.
     int Xrandr(const std::string& arguments);
 
