@@ -14,6 +14,7 @@ std::unique_ptr<X11Host> X11Host::Open(const char* displayName, std::string& why
 X11Host::X11Host(std::unique_ptr<X11Connection> connection, const char* displayName, X11Transport transport)
     : fConnection(std::move(connection)),
       fDisplays(*fConnection, displayName, transport),
-      fPointer(*fConnection) {}
+      fPointer(*fConnection),
+      fWindowServer(*fConnection) {}
 
 } // namespace host

@@ -6,6 +6,7 @@
 #include "PosixHost.h"
 #include "X11Displays.h"
 #include "X11Pointer.h"
+#include "X11WindowServer.h"
 
 namespace host {
 
@@ -20,6 +21,7 @@ class X11Host : public PosixHost {
     const char* Name() const override { return "x11"; }
     Displays& DisplaysPort() override { return fDisplays; }
     Pointer& PointerPort() override { return fPointer; }
+    WindowServer& WindowServerPort() override { return fWindowServer; }
 
     /// How the last picture came; how the next will come, before there was one.
     X11Transport Transport() const { return fDisplays.Transport(); }
@@ -30,6 +32,7 @@ class X11Host : public PosixHost {
     std::unique_ptr<X11Connection> fConnection;
     X11Displays fDisplays;
     X11Pointer fPointer;
+    X11WindowServer fWindowServer;
 };
 
 } // namespace host
