@@ -78,7 +78,7 @@ std::string X11Displays::ProductName(DisplayId id) {
     if (!reply)
         return "";
     return TextFromX11({xcb_get_atom_name_name(reply.get()),
-                      static_cast<size_t>(xcb_get_atom_name_name_length(reply.get()))});
+                        static_cast<size_t>(xcb_get_atom_name_name_length(reply.get()))});
 }
 
 int X11Displays::Picture(const Rect& area, Image& image) {
