@@ -6,6 +6,7 @@
 
 #include "zBoot.h"
 #include "zMemoryStream.h"
+#include "zOS.h"
 #include "zTerrace.h"
 
 namespace {
@@ -127,12 +128,11 @@ void zXML::StripNamedTags(zRecord& record, const char* tag, bool recurse) {
 
 void zXML::RemoveOSSpecificAreas(zRecord& record) {
     static constexpr char kCondition[] = "only_for_os";
-    static constexpr char kThisFamily[] = "mac"; // the family name under which documents address this program
     const auto condition = static_cast<unsigned int>(zStringID::ID(kCondition));
     sift_children(
         record,
         [condition](const zRecord& child) {
-            return child.ExistsID(condition) && !equals(child, condition, kThisFamily);
+            return child.ExistsID(condition) && !equals(child, condition, zOS::GetFamilyName());
         },
         [condition](zRecord& child) {
             child.RemoveID(condition);
