@@ -64,6 +64,8 @@ int vnConfigurableSnapshot::MouseInfo(zRect& rect, zBuffer& image, int& rowBytes
 }
 
 int vnConfigurableSnapshot::Grab(vnSnapshotBuffer** buffer, const zRect& crop, zRect* captured) {
+    if (!buffer)
+        return -1;
     if (!*buffer)
         *buffer = NewBuffer();
 

@@ -93,6 +93,12 @@ TEST_F(ConfigurableSnapshotTest, StoresAnyIndexAndSaysWhetherADeviceLiesThere) {
     EXPECT_EQ(front.Device_Count(), 2);
 }
 
+TEST_F(ConfigurableSnapshotTest, GrabWithoutAPlaceForTheBufferReachesNoDevice) {
+    front.SetCurrentDeviceByIndex(0);
+    EXPECT_EQ(front.Grab(nullptr, zRect(), nullptr), -1);
+    EXPECT_EQ(left->grabs, 0);
+}
+
 TEST_F(ConfigurableSnapshotTest, OpensAndClosesEveryDeviceOnceForAllUsers) {
     front.Open();
     front.Open();
