@@ -1,0 +1,76 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "zRecord.h"
+#include "zXML.h"
+
+namespace {
+
+using Texts = std::map<std::string, std::string>;
+
+std::string FileName(const std::string& code) {
+    return std::string(LANGUAGE_FILES) + "/patois_tamarack_" + code + ".xml";
+}
+
+/// The texts of the one language in a file.
+Texts Read(const std::string& code) {
+    zRecord root;
+    Texts texts;
+    EXPECT_EQ(zXML::ParseFile(zXML::kAttributes, &root, FileName(code).c_str()), 0) << code;
+    EXPECT_STREQ(root.AsCString(zRecord::kXMLTag, ""), "patois");
+    EXPECT_EQ(root.ChildCount(), 1);
+    const zRecord* language = root.Child(0);
+    if (!language)
+        return texts;
+    EXPECT_EQ(std::string(language->AsCString("id", "")), code);
+    for (const zRecord* entry : language->Children()) {
+        const auto [place, isNew] =
+            texts.emplace(entry->AsCString(zRecord::kXMLTag, ""), entry->AsCString("s", ""));
+        EXPECT_TRUE(isNew) << code << ' ' << place->first << " twice";
+        EXPECT_FALSE(place->second.empty()) << code << ' ' << place->first;
+    }
+    return texts;
+}
+
+/// Everything in a text that a program replaces, in order.
+std::vector<std::string> Placeholders(const std::string& text) {
+    static const std::regex kPlaceholder("%[-+ #0-9.]*[a-zA-Z@]+|#[A-Z_]+#");
+    return {std::sregex_token_iterator(text.begin(), text.end(), kPlaceholder), {}};
+}
+
+std::set<std::string> Keys(const Texts& texts) {
+    std::set<std::string> keys;
+    for (const auto& [key, text] : texts)
+        keys.insert(key);
+    return keys;
+}
+
+} // namespace
+
+TEST(LanguageFiles, HaveTheSameKeysAndPlaceholders) {
+    const Texts english = Read("en");
+    ASSERT_FALSE(english.empty());
+    int languages = 0;
+    for (const char* code : {"de", "fr", "nl", "it", "es", "sv", "cs", "jp", "iw", "pt_BR"}) {
+        const Texts texts = Read(code);
+        EXPECT_EQ(Keys(texts), Keys(english)) << code;
+        int same = 0;
+        for (const auto& [key, text] : texts) {
+            const auto base = english.find(key);
+            if (base == english.end())
+                continue;
+            EXPECT_EQ(Placeholders(text), Placeholders(base->second)) << code << ' ' << key;
+            same += text == base->second;
+        }
+        EXPECT_LT(same, 8) << code << " is hardly translated";
+        ++languages;
+    }
+    const auto files = std::distance(std::filesystem::directory_iterator(LANGUAGE_FILES), {});
+    EXPECT_EQ(files, languages + 1) << "a file that no test looks at";
+}
