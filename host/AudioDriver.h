@@ -16,9 +16,10 @@ enum class AudioWait {
 /// A tap on the sound that an output device plays: a queue of blocks that fills by itself.
 ///
 /// A block is raw interleaved samples and nothing else: native 32-bit floats in whole frames, with as many
-/// channels and at the rate that the device port reported for the tapped device. Channels stand in the order
-/// left, right, centre, low frequencies, rear left and right, side left and right; four are a square without
-/// a centre. Sound that pauses may come as silence or not at all. One thread at a time.
+/// channels and at the rate that the device port reported for the tapped device. Up to eight channels stand
+/// in the order left, right, centre, low frequencies, rear left and right, side left and right; but four are
+/// left and right, front and rear, five have no low frequencies, and seven one rear channel. Sound that
+/// pauses may come as silence or not at all. One thread at a time.
 class AudioTap {
   public:
     /// No block is larger, in bytes.

@@ -1,5 +1,6 @@
 #include "PulseTap.h"
 
+#include <iterator>
 #include <utility>
 
 namespace host {
@@ -11,19 +12,22 @@ constexpr size_t kQueueBlocks = 100; ///< Two seconds of fragments.
 constexpr pa_usec_t kLookAgainTime = 500'000;
 constexpr uint32_t kServerDecides = static_cast<uint32_t>(-1);
 
-/// The order of channels that the port promises.
+/// The order of channels that the port promises, in the library's own notation.
 pa_channel_map channel_map(uint8_t channels) {
+    constexpr const char* kOrders[] = {
+        "mono",
+        "front-left,front-right",
+        "front-left,front-right,front-center",
+        "front-left,front-right,rear-left,rear-right",
+        "front-left,front-right,front-center,rear-left,rear-right",
+        "front-left,front-right,front-center,lfe,rear-left,rear-right",
+        "front-left,front-right,front-center,lfe,rear-center,side-left,side-right",
+        "front-left,front-right,front-center,lfe,rear-left,rear-right,side-left,side-right"};
     pa_channel_map map;
-    if (channels != 4) {
+    if (channels <= std::size(kOrders))
+        pa_channel_map_parse(&map, kOrders[channels - 1]);
+    else
         pa_channel_map_init_extend(&map, channels, PA_CHANNEL_MAP_WAVEEX);
-        return map;
-    }
-    pa_channel_map_init(&map);
-    map.channels = channels;
-    map.map[0] = PA_CHANNEL_POSITION_FRONT_LEFT;
-    map.map[1] = PA_CHANNEL_POSITION_FRONT_RIGHT;
-    map.map[2] = PA_CHANNEL_POSITION_REAR_LEFT;
-    map.map[3] = PA_CHANNEL_POSITION_REAR_RIGHT;
     return map;
 }
 

@@ -25,11 +25,13 @@ uint32_t sample_bytes(uint32_t sampleFormat) {
     return sampleFormat == kSampleFormatFloat ? 4 : 2;
 }
 
-/// The layouts that the library mixes down by itself. Its own layout of four has a centre, and the larger
-/// ones are unknown to it or cut off.
+/// The layouts that the library mixes down by itself, in the order that the driver port promises. Its own of
+/// three and four differ, and larger ones are unknown to it or cut off.
 AVChannelLayout layout_of(uint32_t channels) {
     AVChannelLayout layout = {};
-    if (channels == 4)
+    if (channels == 3)
+        layout = AV_CHANNEL_LAYOUT_SURROUND;
+    else if (channels == 4)
         layout = AV_CHANNEL_LAYOUT_QUAD;
     else if (channels >= 2 && channels <= 8)
         av_channel_layout_default(&layout, static_cast<int>(channels));
