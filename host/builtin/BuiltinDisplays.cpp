@@ -20,10 +20,22 @@ TestCard card(std::vector<uint8_t>& desktop, DisplayId id) {
     return TestCard(whole.Part(*place_of(id)), static_cast<int>(id));
 }
 
+BuiltinWindowPainter painter(std::vector<uint8_t>& desktop, size_t index) {
+    return BuiltinWindowPainter(kBuiltinWindows[index], desktop.data(), kDesktop, kRowBytes);
+}
+
+Rect rect_of(const PixelRect& area) {
+    return {static_cast<double>(area.x), static_cast<double>(area.y), static_cast<double>(area.width),
+            static_cast<double>(area.height)};
+}
+
 } // namespace
 
 BuiltinDisplays::BuiltinDisplays(Clock& clock)
-    : fClock(clock), fDesktop(kDesktop.Bytes()), fCards{card(fDesktop, 1), card(fDesktop, 2)} {}
+    : fClock(clock),
+      fDesktop(kDesktop.Bytes()),
+      fCards{card(fDesktop, 1), card(fDesktop, 2)},
+      fWindows{painter(fDesktop, 0), painter(fDesktop, 1)} {}
 
 BuiltinDisplays::~BuiltinDisplays() {
     if (fTimer)
@@ -41,9 +53,7 @@ DisplayId BuiltinDisplays::MainDisplay() {
 
 Rect BuiltinDisplays::Bounds(DisplayId id) {
     const PixelRect* place = place_of(id);
-    return place ? Rect{static_cast<double>(place->x), static_cast<double>(place->y),
-                        static_cast<double>(place->width), static_cast<double>(place->height)}
-                 : Rect{};
+    return place ? rect_of(*place) : Rect{};
 }
 
 std::string BuiltinDisplays::ProductName(DisplayId id) {
@@ -61,6 +71,8 @@ int BuiltinDisplays::Picture(const Rect& area, Image& image) {
         shown.y -= kPlaces[i].y;
         fCards[i].Update(now, shown);
     }
+    for (BuiltinWindowPainter& window : fWindows)
+        window.Update(now, wanted);
     const PixelRect visible = wanted.Intersection(kDesktop);
     image = visible == wanted ? view(wanted) : fComposed.Compose(wanted, visible, view(visible));
     return 0;
@@ -88,9 +100,11 @@ void BuiltinDisplays::report_changes() {
     std::vector<Rect> areas;
     for (size_t i = 0; i < fCards.size(); ++i) {
         for (const PixelRect& area : fCards[i].ChangedAreas(fReported, now))
-            areas.push_back({static_cast<double>(kPlaces[i].x + area.x),
-                             static_cast<double>(kPlaces[i].y + area.y), static_cast<double>(area.width),
-                             static_cast<double>(area.height)});
+            areas.push_back(rect_of({kPlaces[i].x + area.x, kPlaces[i].y + area.y, area.width, area.height}));
+    }
+    for (const BuiltinWindow& window : kBuiltinWindows) {
+        if (now != fReported)
+            areas.push_back(rect_of(window.ChangedArea(fReported, now)));
     }
     fReported = now;
     if (areas.empty())

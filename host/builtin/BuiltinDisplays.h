@@ -3,6 +3,7 @@
 #include <array>
 #include <vector>
 
+#include "BuiltinWindowPainter.h"
 #include "Clock.h"
 #include "ComposedPicture.h"
 #include "TestCard.h"
@@ -12,7 +13,8 @@ namespace host {
 class RunLoop;
 
 /// Two displays side by side that show test cards: 1280 x 720 at the origin and 1024 x 768 to the right of
-/// it. A picture is a view into one desktop of pixels, in which only what moves is painted anew.
+/// it, with a window gliding over each. A picture is a view into one desktop of pixels, in which only what
+/// moves is painted anew.
 ///
 /// For measuring the delay between picture and sound, a box on each card flashes white at every whole second
 /// of the clock, while MicrosecondsSinceBoot() % 1'000'000 < TestCard::kFlash; the built-in tone clicks at
@@ -39,6 +41,7 @@ class BuiltinDisplays : public Displays {
     Clock& fClock;
     std::vector<uint8_t> fDesktop;
     std::array<TestCard, 2> fCards;
+    std::array<BuiltinWindowPainter, 2> fWindows; ///< On top of the cards.
     ComposedPicture fComposed;
     std::vector<RefreshListener*> fListeners;
     RunLoop* fLoop = nullptr; ///< The one that has the timer.

@@ -4,11 +4,12 @@
 #include "BuiltinAudioDriver.h"
 #include "BuiltinDisplays.h"
 #include "BuiltinPointer.h"
+#include "BuiltinWindowServer.h"
 #include "PosixHost.h"
 
 namespace host {
 
-/// A machine that needs no display: test cards, a wandering pointer and a tone.
+/// A machine that needs no display: test cards, a wandering pointer, two gliding windows and a tone.
 class BuiltinHost : public PosixHost {
   public:
     BuiltinHost() : BuiltinHost(nullptr) {}
@@ -18,6 +19,7 @@ class BuiltinHost : public PosixHost {
     const char* Name() const override { return "builtin"; }
     Displays& DisplaysPort() override { return fDisplays; }
     Pointer& PointerPort() override { return fPointer; }
+    WindowServer& WindowServerPort() override { return fWindowServer; }
     Clock& ClockPort() override { return fClock; }
     AudioDevice* AudioDevicePort() override { return &fToneDevice; }
     AudioDriver* AudioDriverPort() override { return &fToneDriver; }
@@ -27,11 +29,13 @@ class BuiltinHost : public PosixHost {
         : fClock(clock ? *clock : PosixHost::ClockPort()),
           fDisplays(fClock),
           fPointer(fClock),
+          fWindowServer(fClock),
           fToneDriver(fClock) {}
 
     Clock& fClock;
     BuiltinDisplays fDisplays;
     BuiltinPointer fPointer;
+    BuiltinWindowServer fWindowServer;
     BuiltinAudioDevice fToneDevice;
     BuiltinAudioDriver fToneDriver;
 };

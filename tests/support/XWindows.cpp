@@ -40,11 +40,6 @@ void XWindows::Show(xcb_window_t window) {
     sync();
 }
 
-void XWindows::Hide(xcb_window_t window) {
-    xcb_unmap_window(fXcb, window);
-    sync();
-}
-
 void XWindows::Close(xcb_window_t window) {
     xcb_destroy_window(fXcb, window);
     sync();
@@ -126,12 +121,6 @@ xcb_rectangle_t XWindows::Outline(xcb_window_t topLevel) {
     const int borders = 2 * geometry->border_width;
     return {geometry->x, geometry->y, static_cast<uint16_t>(geometry->width + borders),
             static_cast<uint16_t>(geometry->height + borders)};
-}
-
-bool XWindows::IsViewable(xcb_window_t window) {
-    const Reply<xcb_get_window_attributes_reply_t> attributes(
-        xcb_get_window_attributes_reply(fXcb, xcb_get_window_attributes(fXcb, window), nullptr));
-    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 xcb_atom_t XWindows::Atom(const std::string& name) {

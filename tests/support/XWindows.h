@@ -19,7 +19,6 @@ class XWindows {
     /// A new window, not shown yet, that has no properties.
     xcb_window_t Open(int x, int y, int width, int height, int border = 0);
     void Show(xcb_window_t window);
-    void Hide(xcb_window_t window);
     void Close(xcb_window_t window);
     void Place(xcb_window_t window, int x, int y, int width, int height);
     /// Asks the window manager to minimise it.
@@ -41,7 +40,6 @@ class XWindows {
     bool IsAbove(xcb_window_t upper, xcb_window_t lower);
     /// Place and size on the screen, border included.
     xcb_rectangle_t Outline(xcb_window_t topLevel);
-    bool IsViewable(xcb_window_t window);
 
     xcb_window_t Root() const { return fRoot; }
     xcb_atom_t Atom(const std::string& name);
