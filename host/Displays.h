@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -19,6 +20,18 @@ struct Image {
     int width = 0;
     int height = 0;
     int rowBytes = 0; ///< From one row to the next; at least width * 4.
+};
+
+/// The open framebuffer of a display, closed by its destructor. One thread at a time, and never together with
+/// Picture() of its port.
+class Framebuffer {
+  public:
+    virtual ~Framebuffer() = default;
+
+    /// Reads a rectangle that counts from the display's left bottom corner into \p pixels: 32 bits each, the
+    /// bytes in memory b, g, r, 255, bottom row first, rows without gaps. An empty rectangle reads nothing.
+    /// 0, or -1 with \p pixels undefined.
+    virtual int Read(int x, int y, int width, int height, void* pixels) = 0;
 };
 
 /// Hears which parts of the desktop were drawn anew.
@@ -57,6 +70,10 @@ class Displays {
     /// are black. \p image may have more pixels than the area (a scaled display), never fewer.
     /// 0, or -1 without a picture: an empty or absurd area, or a machine whose displays went away.
     virtual int Picture(const Rect& area, Image& image) = 0;
+
+    /// Opens the framebuffer of a display where it is now; to be closed before the port goes. Null when there
+    /// is no such display. Any thread.
+    virtual std::unique_ptr<Framebuffer> OpenFramebuffer(DisplayId id) = 0;
 
     /// Begins to tell \p listener of what is drawn from now on, through the run loop of the current host, and
     /// ends that. A listener stays its owner's, registers once, and unregisters before it or the host goes;

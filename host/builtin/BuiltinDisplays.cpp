@@ -1,6 +1,7 @@
 #include "BuiltinDisplays.h"
 
 #include "Host.h"
+#include "PictureFramebuffer.h"
 
 namespace host {
 namespace {
@@ -76,6 +77,10 @@ int BuiltinDisplays::Picture(const Rect& area, Image& image) {
     const PixelRect visible = wanted.Intersection(kDesktop);
     image = visible == wanted ? view(wanted) : fComposed.Compose(wanted, visible, view(visible));
     return 0;
+}
+
+std::unique_ptr<Framebuffer> BuiltinDisplays::OpenFramebuffer(DisplayId id) {
+    return place_of(id) ? std::make_unique<PictureFramebuffer>(*this, Bounds(id)) : nullptr;
 }
 
 void BuiltinDisplays::RegisterRefreshListener(RefreshListener& listener) {

@@ -30,6 +30,7 @@ class BuiltinDisplays : public Displays {
     Rect Bounds(DisplayId id) override;
     std::string ProductName(DisplayId id) override;
     int Picture(const Rect& area, Image& image) override;
+    std::unique_ptr<Framebuffer> OpenFramebuffer(DisplayId id) override;
     void RegisterRefreshListener(RefreshListener& listener) override;
     void UnregisterRefreshListener(RefreshListener& listener) override;
     bool IsCaptured(DisplayId) override { return false; }

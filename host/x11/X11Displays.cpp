@@ -3,6 +3,8 @@
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
 
+#include "PictureFramebuffer.h"
+
 #include "X11Text.h"
 
 namespace host {
@@ -102,6 +104,11 @@ int X11Displays::Picture(const Rect& area, Image& image) {
         return result;
     }
     return -1;
+}
+
+std::unique_ptr<Framebuffer> X11Displays::OpenFramebuffer(DisplayId id) {
+    const Rect place = Bounds(id);
+    return place.width > 0 ? std::make_unique<PictureFramebuffer>(*this, place) : nullptr;
 }
 
 /// At least one monitor, or -1.

@@ -18,6 +18,7 @@ class X11Displays : public Displays {
     Rect Bounds(DisplayId id) override;
     std::string ProductName(DisplayId id) override;
     int Picture(const Rect& area, Image& image) override;
+    std::unique_ptr<Framebuffer> OpenFramebuffer(DisplayId id) override;
     void RegisterRefreshListener(RefreshListener& listener) override { fRefresh.Register(listener); }
     void UnregisterRefreshListener(RefreshListener& listener) override { fRefresh.Unregister(listener); }
     /// Programs that fill the screen are seen like all others here.

@@ -8,6 +8,16 @@ int vnSnapshotBuffer::Configure(int width, int height, int rowBytes, uint32_t co
     return 0;
 }
 
+bool vnSnapshotBuffer::HoldsItsPixels() {
+    const int64_t bytes = int64_t{RowBytes()} * Height();
+    return bytes > 0 && bytes <= Size();
+}
+
+int vnSnapBuff_ogl::Configure(int width, int height, int rowBytes, int colorSpace) {
+    vnSnapshotBuffer::Configure(width, height, rowBytes, static_cast<uint32_t>(colorSpace));
+    return fStore.ResizeTo(static_cast<unsigned int>(rowBytes * height), zBuffer::kKeepLargerBlock);
+}
+
 int vnSnapBuff_cg::Configure(int width, int height, int rowBytes, uint32_t colorSpace) {
     vnSnapshotBuffer::Configure(width, height, rowBytes, colorSpace);
     return fStore.ResizeTo(static_cast<unsigned int>(rowBytes * height), zBuffer::kKeepLargerBlock);

@@ -23,6 +23,10 @@ class vnSnapshotBuffer : public cBuffer {
     /// Sets the geometry; kinds with a store of their own fit it, too. 0, or a negative code.
     virtual int Configure(int width, int height, int rowBytes, uint32_t colorSpace);
 
+    /// There are pixels, and the store has all that the geometry speaks of. A Grab that failed half-way may
+    /// leave it otherwise.
+    bool HoldsItsPixels();
+
     uint32_t TypeTag() const { return fTypeTag; }
 
   protected:
@@ -34,6 +38,27 @@ class vnSnapshotBuffer : public cBuffer {
     int fRowBytes = 0;
     uint32_t fColorSpace = 0;
     const uint32_t fTypeTag;
+};
+
+/// A frame of vnSnapshot_ogl, in memory of its own.
+class vnSnapBuff_ogl : public vnSnapshotBuffer {
+  public:
+    static constexpr uint32_t kTypeTag = 0x766E4F62;
+
+    vnSnapBuff_ogl() : vnSnapshotBuffer(kTypeTag) {}
+    uint8_t* Data() override { return reinterpret_cast<uint8_t*>(fStore.Data()); }
+    int Size() override { return static_cast<int>(fStore.Size()); }
+
+    using vnSnapshotBuffer::Configure;
+
+    /// Deliberate: an operation beside the inherited one, not in its place. The device calls this one, which
+    /// fits the store; whoever knows the buffer by its base sets the geometry alone.
+    virtual int Configure(int width, int height, int rowBytes, int colorSpace);
+
+    zBuffer& Store() { return fStore; }
+
+  private:
+    zBuffer fStore;
 };
 
 /// A frame of vnSnapshot_cg, in memory of its own.

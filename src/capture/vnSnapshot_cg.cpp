@@ -1,30 +1,18 @@
 #include "vnSnapshot_cg.h"
 
-#include <cstring>
-
 #include "Host.h"
+#include "OpaqueRow.h"
 #include "vnSnapshotBuffer.h"
 
 namespace {
 
 constexpr int kBytesPerPixel = 4;
-constexpr uint32_t kOpaque = 0xFF000000; // Of a pixel read as a little-endian word: b, g, r, a.
-
-/// One row at one pixel per pixel: the one copy that a picture's bytes go through.
-void copy_row_opaque(uint8_t* target, const uint8_t* source, int width) {
-    for (int x = 0; x < width; ++x) {
-        uint32_t pixel;
-        memcpy(&pixel, source + x * kBytesPerPixel, sizeof pixel);
-        pixel |= kOpaque;
-        memcpy(target + x * kBytesPerPixel, &pixel, sizeof pixel);
-    }
-}
 
 /// One row of a picture that has more pixels than its rectangle: the nearest pixel to the left of each place.
 void sample_row_opaque(uint8_t* target, const uint8_t* source, int width, int sourceWidth) {
     for (int x = 0; x < width; ++x) {
         const auto from = static_cast<ptrdiff_t>(int64_t{x} * sourceWidth / width);
-        copy_row_opaque(target + x * kBytesPerPixel, source + from * kBytesPerPixel, 1);
+        host::CopyRowOpaque(target + x * kBytesPerPixel, source + from * kBytesPerPixel, 1);
     }
 }
 
@@ -42,11 +30,7 @@ int vnSnapshot_cg::do_open() {
 int vnSnapshot_cg::Grab(vnSnapshotBuffer** buffer, const zRect& crop, zRect* captured) {
     if (!buffer)
         return -1;
-    if (!*buffer || (*buffer)->TypeTag() != vnSnapBuff_cg::kTypeTag) {
-        if (*buffer)
-            (*buffer)->Release();
-        *buffer = NewBuffer();
-    }
+    replace_foreign(buffer, vnSnapBuff_cg::kTypeTag);
 
     const zRect local = local_rect(crop);
     if (local.Width() < 0 || local.Height() < 0)
@@ -91,7 +75,7 @@ int vnSnapshot_cg::draw_to_buffer_and_flip(void* data, int rowBytes, const host:
         const auto sourceRow = static_cast<ptrdiff_t>(int64_t{y} * image.height / height);
         const uint8_t* source = image.pixels + sourceRow * image.rowBytes;
         if (image.width == width)
-            copy_row_opaque(target, source, width);
+            host::CopyRowOpaque(target, source, width);
         else
             sample_row_opaque(target, source, width, image.width);
     }

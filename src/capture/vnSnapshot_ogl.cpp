@@ -34,6 +34,67 @@ vnSnapshot_ogl::vnSnapshot_ogl(host::DisplayId display) : fDisplay(display) {}
 
 vnSnapshot_ogl::~vnSnapshot_ogl() = default;
 
+vnSnapshotBuffer* vnSnapshot_ogl::NewBuffer() {
+    return new vnSnapBuff_ogl;
+}
+
+int vnSnapshot_ogl::do_open() {
+    if (fContext)
+        return -1;
+    host::Displays& displays = host::Host::Current().DisplaysPort();
+    fContext = displays.OpenFramebuffer(fDisplay ? fDisplay : displays.MainDisplay());
+    if (!fContext)
+        return -1;
+    update_device_rect();
+    return 0;
+}
+
+void vnSnapshot_ogl::do_close() {
+    fContext.reset();
+}
+
+int vnSnapshot_ogl::Grab(vnSnapshotBuffer** buffer, const zRect& crop, zRect* captured) {
+    if (!fContext || !buffer)
+        return -1;
+    replace_foreign(buffer, vnSnapBuff_ogl::kTypeTag);
+
+    zRect local = local_rect(crop);
+    if (local.Width() > kMaximumExtent)
+        local.right = zRect::Add(local.left, kMaximumExtent - 1);
+    if (local.Height() > kMaximumExtent)
+        local.bottom = zRect::Add(local.top, kMaximumExtent - 1);
+    if (local.Width() < 0 || local.Height() < 0)
+        return -1;
+    const int result = read_into(static_cast<vnSnapBuff_ogl&>(**buffer), local);
+    if (captured)
+        *captured = screen_rect(local);
+    return result;
+}
+
+void vnSnapshot_ogl::replace_foreign(vnSnapshotBuffer** buffer, uint32_t ownTypeTag) {
+    if (*buffer && (*buffer)->TypeTag() == ownTypeTag)
+        return;
+    if (*buffer)
+        (*buffer)->Release();
+    *buffer = NewBuffer();
+}
+
+int vnSnapshot_ogl::read_into(vnSnapBuff_ogl& frame, const zRect& local) {
+    const int width = local.Width();
+    const int height = local.Height();
+    const int size = width * height * kBytesPerPixel;
+    if (frame.Size() != size) {
+        if (const int result = frame.Store().ResizeTo(static_cast<unsigned int>(size), 0); result != 0)
+            return result;
+    }
+    // A framebuffer counts its rows from the bottom.
+    const int bottom = zRect::Subtract(zRect::Subtract(fDeviceRect.Height(), local.top), height);
+    if (fContext->Read(local.left, bottom, width, height, frame.Data()) != 0)
+        return -1;
+    frame.Configure(width, height, width * kBytesPerPixel, static_cast<int>(kColorSpace_bgra));
+    return 0;
+}
+
 int vnSnapshot_ogl::SetDisplay(host::DisplayId display) {
     if (is_open())
         do_close();

@@ -29,10 +29,12 @@ class FakeHost : public host::Host,
     uint32_t systemVersion = 0x1080;
     int64_t microseconds = 0;
     bool hasExporter = true;
+    bool hasFramebuffer = true;
     bool captured = false; ///< Nobody hears what changes.
 
     // What the test counts.
-    int pictures = 0;
+    int pictures = 0; ///< Reads of a framebuffer among them.
+    int openFramebuffers = 0;
     std::vector<host::RefreshListener*> refreshListeners;
     int pointerPictures = 0;
 
@@ -61,6 +63,27 @@ class FakeHost : public host::Host,
     std::unique_ptr<host::PictureBlock> NewPictureBlock() override { return host::NewJpegBlock(); }
 
   private:
+    class FakeFramebuffer : public host::Framebuffer {
+      public:
+        FakeFramebuffer(FakeHost& machine, const host::Rect& place) : fMachine(machine), fPlace(place) {}
+        ~FakeFramebuffer() override { --fMachine.openFramebuffers; }
+        int Read(int x, int y, int width, int height, void* pixels) override {
+            ++fMachine.pictures;
+            for (int row = 0; row < height; ++row) {
+                for (int column = 0; column < width; ++column)
+                    static_cast<uint32_t*>(pixels)[row * width + column] =
+                        PixelAt(static_cast<int>(fPlace.x) + x + column,
+                                static_cast<int>(fPlace.y + fPlace.height) - 1 - y - row) |
+                        0xFF000000U;
+            }
+            return fMachine.pictureResult;
+        }
+
+      private:
+        FakeHost& fMachine;
+        host::Rect fPlace;
+    };
+
     int ActiveDisplays(std::vector<host::DisplayId>& ids) override {
         for (size_t i = 0; i < displays.size(); ++i)
             ids.push_back(static_cast<host::DisplayId>(i + 1));
@@ -89,6 +112,12 @@ class FakeHost : public host::Host,
         return 0;
     }
 
+    std::unique_ptr<host::Framebuffer> OpenFramebuffer(host::DisplayId id) override {
+        if (id < 1 || id > displays.size() || !hasFramebuffer)
+            return nullptr;
+        ++openFramebuffers;
+        return std::make_unique<FakeFramebuffer>(*this, displays[id - 1]);
+    }
     void RegisterRefreshListener(host::RefreshListener& listener) override {
         refreshListeners.push_back(&listener);
     }

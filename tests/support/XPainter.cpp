@@ -21,7 +21,7 @@ XPainter::~XPainter() {
 
 void XPainter::Fill(int x, int y, int width, int height, uint32_t colour) {
     Draw(x, y, width, height, colour);
-    sync();
+    Sync();
 }
 
 void XPainter::Draw(int x, int y, int width, int height, uint32_t colour) {
@@ -44,19 +44,19 @@ void XPainter::SetPointer(int extent, int hotX, int hotY, uint32_t colour) {
                       static_cast<uint16_t>(hotX), static_cast<uint16_t>(hotY));
     xcb_change_window_attributes(fXcb, fScreen->root, XCB_CW_CURSOR, &cursor);
     xcb_free_pixmap(fXcb, shape);
-    sync();
+    Sync();
 }
 
 void XPainter::MovePointer(int x, int y) {
     xcb_warp_pointer(fXcb, XCB_NONE, fScreen->root, 0, 0, 0, 0, static_cast<int16_t>(x),
                      static_cast<int16_t>(y));
-    sync();
+    Sync();
 }
 
 void XPainter::ChangeKeyboardMap() {
     const uint32_t symbols[2] = {0x61, 0x41};
     xcb_change_keyboard_mapping(fXcb, 1, 200, 2, symbols);
-    sync();
+    Sync();
 }
 
 /// The colour in the bits of the screen's visual, which is its depth's first.
@@ -97,6 +97,6 @@ xcb_pixmap_t XPainter::square(int extent, int size) {
 }
 
 /// A reply comes after everything that was asked for before.
-void XPainter::sync() {
+void XPainter::Sync() {
     std::free(xcb_get_input_focus_reply(fXcb, xcb_get_input_focus(fXcb), nullptr));
 }

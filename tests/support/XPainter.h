@@ -17,8 +17,9 @@ class XPainter {
     /// Fills a rectangle with the nearest that the screen has to 0xRRGGBB.
     void Fill(int x, int y, int width, int height, uint32_t colour);
 
-    /// The same, without waiting for it to take effect.
+    /// The same, without waiting for it to take effect; Sync does.
     void Draw(int x, int y, int width, int height, uint32_t colour);
+    void Sync();
 
     /// Runs xrandr on the screen; its exit status.
     int Xrandr(const std::string& arguments);
@@ -36,7 +37,6 @@ class XPainter {
   private:
     uint32_t pixel(uint32_t colour) const;
     xcb_pixmap_t square(int extent, int size);
-    void sync();
 
     std::string fDisplay;
     xcb_connection_t* fXcb;

@@ -182,6 +182,36 @@ TEST_F(X11Picture, ComesThroughMemoryThatIsPrivateAndNameless) {
     EXPECT_EQ(own, 1);
 }
 
+TEST_F(X11Picture, EqualsAReadOfTheFramebuffer) {
+    NEED_X11("640x480x24");
+    ASSERT_EQ(painter->Xrandr("--setmonitor LEFT 320/100x480/100+0+0 screen"), 0);
+    ASSERT_EQ(painter->Xrandr("--setmonitor RIGHT 320/100x300/100+320+100 none"), 0);
+    PaintBlocks(640, 480);
+    std::vector<host::DisplayId> ids;
+    Displays().ActiveDisplays(ids);
+    for (const host::DisplayId id : ids) {
+        const host::Rect place = Displays().Bounds(id);
+        const auto framebuffer = Displays().OpenFramebuffer(id);
+        ASSERT_NE(framebuffer, nullptr);
+        // 100 by 60 pixels, 30 from the left and 20 from the bottom.
+        std::vector<uint8_t> read(100 * 60 * 4);
+        ASSERT_EQ(framebuffer->Read(30, 20, 100, 60, read.data()), 0);
+        host::Image image;
+        ASSERT_EQ(Displays().Picture({place.x + 30, place.y + place.height - 80, 100, 60}, image), 0);
+        for (int y = 0; y < 60; ++y) {
+            for (int x = 0; x < 100; ++x) {
+                const uint8_t* pixel = &read[static_cast<size_t>((59 - y) * 100 + x) * 4];
+                ASSERT_EQ(static_cast<uint32_t>(pixel[2] << 16 | pixel[1] << 8 | pixel[0]),
+                          ColourAt(image, x, y));
+                ASSERT_EQ(pixel[3], 255);
+            }
+        }
+        EXPECT_EQ(framebuffer->Read(30, 20, 0, 60, read.data()), 0);
+        EXPECT_EQ(framebuffer->Read(0, 0, 70000, 70000, read.data()), -1);
+    }
+    EXPECT_EQ(Displays().OpenFramebuffer(12345), nullptr);
+}
+
 TEST_F(X11Picture, SurvivesNotesThatNobodyAskedFor) {
     NEED_X11("320x240x24");
     PaintBlocks(320, 240);
