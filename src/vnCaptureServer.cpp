@@ -5,8 +5,11 @@
 #include "Host.h"
 #include "cHttpHandlerRPC.h"
 #include "vnRPC_Snapshot.h"
+#include "vnRPC_SnapshotByDiffs.h"
 #include "vnRPC_SnapshotMouse.h"
 #include "vnSnapshot_cg.h"
+#include "z4CCCC.h"
+#include "zOS.h"
 #include "zString.h"
 
 namespace {
@@ -17,6 +20,13 @@ void name_display(zString& name, host::DisplayId display, int index) {
     name = host::Host::Current().DisplaysPort().ProductName(display).c_str();
     if (name.Length() == 0)
         name.sprintf("Display #%d", index + 1);
+}
+
+/// What the display services of this generation of the system offer.
+vnSnapshot* new_device(host::DisplayId display) {
+    if (zOS::IsVersionOrLater(z4CCCC("lion")))
+        return new vnSnapshot_cg(display);
+    return new vnSnapshot_ogl(display);
 }
 
 } // namespace
@@ -41,7 +51,7 @@ void vnCaptureServer::add_displays() {
     for (int index = 0; const host::DisplayId display : displays) {
         zString name;
         name_display(name, display, index++);
-        fFront->AddDevice(name, new vnSnapshot_cg(display));
+        fFront->AddDevice(name, new_device(display));
     }
 }
 
@@ -50,11 +60,14 @@ void vnCaptureServer::install_services() {
     const uint32_t instanceId = host::Host::Current().ClockPort().Ticks();
     auto* mouse = new vnRPC_SnapshotMouse(fLock.get(), fFront.get(), instanceId);
     auto* snapshot = new vnRPC_Snapshot(fLock.get(), fFront.get(), mouse, nullptr);
+    auto* diffs = new vnRPC_SnapshotByDiffs(fLock.get(), fFront.get(), mouse);
     auto* handler = new cHttpHandlerRPC("");
     handler->InstallExecutor(*snapshot);
+    handler->InstallExecutor(*diffs);
     handler->InstallExecutor(*mouse);
     fServer->InstallHandler(*handler);
     handler->Release();
     snapshot->Release();
+    diffs->Release();
     mouse->Release();
 }

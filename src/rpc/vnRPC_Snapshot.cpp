@@ -1,7 +1,6 @@
 #include "vnRPC_Snapshot.h"
 
 #include "cMultipartRecord.h"
-#include "cUtils.h"
 #include "vnRPC_Encoder.h"
 #include "vnRPC_SnapshotMouse.h"
 #include "vnRemoteControlInterface.h"
@@ -15,12 +14,6 @@
 namespace {
 
 constexpr const char* kProtocolVersion = "1.0.5";
-constexpr const char* kPictureId = "id_snapshot_image";
-constexpr const char* kPictureType = "image/jpg";
-
-bool same_size(const zRect& a, const zRect& b) {
-    return a.Width() == b.Width() && a.Height() == b.Height();
-}
 
 } // namespace
 
@@ -49,8 +42,6 @@ vnRPC_Snapshot::~vnRPC_Snapshot() {
     fDevice->Close();
     if (fFrame)
         fFrame->Release();
-    if (fEncoded)
-        fEncoded->Release();
     fMouse->Release();
     if (fRemoteControl)
         fRemoteControl->Release();
@@ -73,7 +64,7 @@ int vnRPC_Snapshot::RPC_ExecuteMethod(const char* name, const zRecord& request, 
     if (!name || !*name)
         return 0;
     const MethodEntry* method = find_method(name);
-    Call call{request, reply, multipart, attachments};
+    vnRPC_Call call{request, reply, multipart, attachments};
     return method ? (this->*method->run)(call) : -1;
 }
 
@@ -81,27 +72,24 @@ void vnRPC_Snapshot::SignalThread_Tick() {
     zAutoCritical lock(fLock);
     if (!fFrame)
         return;
-    fTick.mouseValid = fMouse->MouseInfo(fTick.mouseLocation, fTick.mouseId) == 0;
+    fTick.LookAtMouse(*fMouse);
     fTick.grabResult = fDevice->Grab(&fFrame, fCrop, &fTick.captured);
 }
 
-int vnRPC_Snapshot::snapshot(Call& call) {
-    zRecord parameters;
-    zXMLRPC(call.request).GetStructParam(0, parameters);
-    const uint32_t quality = vnRPC_Encoder::QualityFromString(parameters.AsCString("quality", "normal"));
-    const zRect crop(parameters.AsInt32("crop_left", 0), parameters.AsInt32("crop_top", 0),
-                     parameters.AsInt32("crop_right", 0), parameters.AsInt32("crop_bottom", 0));
-
-    Tick tick;
+int vnRPC_Snapshot::snapshot(vnRPC_Call& call) {
+    const vnRPC_PictureRequest request(call.request);
+    vnRPC_TickState tick;
     zRect rect;
     {
         zAutoCritical lock(fLock);
-        fCrop = crop;
-        rect = cropped_rect(crop);
-        if (fTick.grabResult == Tick::kNoGrabYet || !same_size(rect, fTick.captured))
+        fCrop = request.crop;
+        rect = request.Cropped(fDevice->MaximumRect());
+        if (fTick.grabResult == vnRPC_TickState::kNoGrabYet || !vnRPC_SameSize(rect, fTick.captured))
             SignalThread_Tick();
-        if (fTick.grabResult == 0)
-            encode_frame(quality);
+        if (fTick.grabResult == 0) {
+            fEncoder.CheckAndResize(fTick.captured, *fFrame);
+            fEncoder.Encode(*fFrame, request.quality);
+        }
         tick = fTick;
     }
     const int result = tick.grabResult == 0 ? 0 : -1;
@@ -111,52 +99,18 @@ int vnRPC_Snapshot::snapshot(Call& call) {
     return result;
 }
 
-zRect vnRPC_Snapshot::cropped_rect(const zRect& crop) {
-    const zRect whole = fDevice->MaximumRect();
-    return {zRect::Add(whole.left, crop.left), zRect::Add(whole.top, crop.top),
-            zRect::Subtract(whole.right, crop.right), zRect::Subtract(whole.bottom, crop.bottom)};
-}
-
-void vnRPC_Snapshot::encode_frame(uint32_t quality) {
-    check_and_resize_encoder();
-    // A failed encoding sends what the buffer holds.
-    if (fFrame->Data() && fFrame->Size() > 0)
-        fEncoder->EncodeJPEG(*fEncoded, fFrame->Data(), fFrame->Size(), quality);
-}
-
-void vnRPC_Snapshot::check_and_resize_encoder() {
-    if (fEncoded && same_size(fTick.captured, fEncoderRect))
-        return;
-    if (fEncoded)
-        fEncoded->Release();
-    fEncoderRect = fTick.captured;
-    fEncoder.reset(vnRPC_Encoder::Factory(fEncoderRect.Width(), fEncoderRect.Height(), fFrame->RowBytes()));
-    fEncoded = fEncoder->NewBuffer();
-}
-
-void vnRPC_Snapshot::fill_reply(const Tick& tick, const zRect& rect, Call& call) {
-    zString text;
+void vnRPC_Snapshot::fill_reply(const vnRPC_TickState& tick, const zRect& rect, vnRPC_Call& call) {
     call.multipart.SetCString(cMultipartRecord::kContentTypeName, cMultipartRecord::kContentType);
     call.reply.SetCString(zRecord::kXMLTag, "response");
     call.reply.SetInt32("error", 0);
     call.reply.SetUInt32("instance", fMouse->InstanceId());
-    cUtils::XOP_MakeReference(text, kPictureId);
-    call.reply.SetCString("picture", text);
+    call.SetPicture();
     call.reply.SetRect("rect", rect);
-    if (tick.mouseValid) {
-        call.reply.SetPoint("mouse_location", tick.mouseLocation);
-        call.reply.SetUInt32("mouse_id", tick.mouseId);
-    }
-
-    cMultipartRecord message(call.multipart);
-    const int section = message.AddSection(fEncoded->Size(), kPictureType);
-    cUtils::XOP_MakeContentIDHeaderString(text, kPictureId);
-    message.AddSectionHeader(section, "Content-ID", text);
-    fEncoded->AddRef();
-    call.attachments.Append(fEncoded);
+    tick.AddMouse(call.reply);
+    call.AddPicture(fEncoder.AddRefToPicture());
 }
 
-int vnRPC_Snapshot::snapshot_maximum_rect(Call& call) {
+int vnRPC_Snapshot::snapshot_maximum_rect(vnRPC_Call& call) {
     zRect rect;
     {
         zAutoCritical lock(fLock);
@@ -169,14 +123,14 @@ int vnRPC_Snapshot::snapshot_maximum_rect(Call& call) {
     return 0;
 }
 
-int vnRPC_Snapshot::check_connection(Call& call) {
+int vnRPC_Snapshot::check_connection(vnRPC_Call& call) {
     zXMLRPC response(call.reply);
     response.MakeResponse();
     response.AppendStringParam(kProtocolVersion);
     return 0;
 }
 
-int vnRPC_Snapshot::get_menus(Call& call) {
+int vnRPC_Snapshot::get_menus(vnRPC_Call& call) {
     if (!fRemoteControl)
         return -1;
     zRecord menus;
@@ -187,7 +141,7 @@ int vnRPC_Snapshot::get_menus(Call& call) {
     return 0;
 }
 
-int vnRPC_Snapshot::set_source_from_menu_item(Call& call) {
+int vnRPC_Snapshot::set_source_from_menu_item(vnRPC_Call& call) {
     if (!fRemoteControl)
         return -1;
     zRecord item;
@@ -197,7 +151,7 @@ int vnRPC_Snapshot::set_source_from_menu_item(Call& call) {
     return 0;
 }
 
-int vnRPC_Snapshot::enable_or_disable_audio_or_video(Call& call) {
+int vnRPC_Snapshot::enable_or_disable_audio_or_video(vnRPC_Call& call) {
     if (!fRemoteControl)
         return -1;
     // Deliberate: clients call it, and capture is switched by the person at this machine alone.

@@ -1,16 +1,11 @@
 #pragma once
 
-#include <cstdint>
-#include <memory>
-
 #include "cRPCExecutor.h"
+#include "vnRPC_Call.h"
+#include "vnRPC_FrameEncoder.h"
 #include "vnSignalThread.h"
-#include "zPoint.h"
-#include "zRect.h"
 
-class vnEncoderBuffer;
 class vnRemoteControlInterface;
-class vnRPC_Encoder;
 class vnRPC_SnapshotMouse;
 class vnSnapshot;
 class vnSnapshotBuffer;
@@ -37,53 +32,30 @@ class vnRPC_Snapshot : public cRPCExecutor, public vnSignalThread {
     void SignalThread_Tick() override;
 
   private:
-    /// One call's records, as the executor contract hands them over.
-    struct Call {
-        const zRecord& request;
-        zRecord& reply;
-        zRecord& multipart;
-        zList<cBuffer*>& attachments;
-    };
-    using Method = int (vnRPC_Snapshot::*)(Call& call);
+    using Method = int (vnRPC_Snapshot::*)(vnRPC_Call& call);
     struct MethodEntry {
         const char* name;
         Method run;
     };
 
-    /// What a tick leaves for the next reply. Guarded by the lock.
-    struct Tick {
-        static constexpr int kNoGrabYet = 0x6E6F4762; // n, o, G, b
-
-        int grabResult = kNoGrabYet;
-        zRect captured; ///< In screen coordinates.
-        bool mouseValid = false;
-        zPoint mouseLocation;
-        uint32_t mouseId = 0;
-    };
-
     static const MethodEntry kMethods[];
     static const MethodEntry* find_method(const char* name);
 
-    int snapshot(Call& call);
-    int snapshot_maximum_rect(Call& call);
-    int check_connection(Call& call);
-    int get_menus(Call& call);
-    int set_source_from_menu_item(Call& call);
-    int enable_or_disable_audio_or_video(Call& call);
+    int snapshot(vnRPC_Call& call);
+    int snapshot_maximum_rect(vnRPC_Call& call);
+    int check_connection(vnRPC_Call& call);
+    int get_menus(vnRPC_Call& call);
+    int set_source_from_menu_item(vnRPC_Call& call);
+    int enable_or_disable_audio_or_video(vnRPC_Call& call);
 
-    zRect cropped_rect(const zRect& crop);
-    void encode_frame(uint32_t quality);
-    void check_and_resize_encoder();
-    void fill_reply(const Tick& tick, const zRect& rect, Call& call);
+    void fill_reply(const vnRPC_TickState& tick, const zRect& rect, vnRPC_Call& call);
 
     vnSnapshot* fDevice;
     zCritical* fLock;
     vnRPC_SnapshotMouse* fMouse;
     vnRemoteControlInterface* fRemoteControl;
-    std::unique_ptr<vnRPC_Encoder> fEncoder; ///< Made for frames of the encoder rectangle's size.
-    zRect fEncoderRect;
-    vnEncoderBuffer* fEncoded = nullptr; ///< One reference; reused for every reply.
-    vnSnapshotBuffer* fFrame;            ///< One reference; Grab may put another in its place.
-    zRect fCrop;                         ///< Four insets: those of the last request.
-    Tick fTick;
+    vnRPC_FrameEncoder fEncoder;
+    vnSnapshotBuffer* fFrame; ///< One reference; Grab may put another in its place.
+    zRect fCrop;              ///< Four insets: those of the last request.
+    vnRPC_TickState fTick;
 };
