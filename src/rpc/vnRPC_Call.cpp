@@ -49,6 +49,10 @@ zRect vnRPC_PictureRequest::Cropped(const zRect& whole) const {
             zRect::Subtract(whole.right, crop.right), zRect::Subtract(whole.bottom, crop.bottom)};
 }
 
+bool vnRPC_TickState::NeedsGrab(const zRect& wanted, bool isOtherCrop) const {
+    return grabResult == kNoGrabYet || !vnRPC_SameSize(wanted, captured) || (grabResult != 0 && isOtherCrop);
+}
+
 void vnRPC_TickState::LookAtMouse(vnRPC_SnapshotMouse& mouse) {
     mouseValid = mouse.MouseInfo(mouseLocation, mouseId) == 0;
 }

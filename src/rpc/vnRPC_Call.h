@@ -49,6 +49,10 @@ struct vnRPC_PictureRequest {
 struct vnRPC_TickState {
     static constexpr int kNoGrabYet = 0x6E6F4762; // n, o, G, b
 
+    /// True if a request for a frame of \p wanted's size has to capture on the spot. After a failure, a crop
+    /// that is not the one that failed does too: the mistake may be another client's.
+    bool NeedsGrab(const zRect& wanted, bool isOtherCrop) const;
+
     void LookAtMouse(vnRPC_SnapshotMouse& mouse);
 
     /// Adds the pointer's place and shape, if there is one to be seen.

@@ -1,5 +1,7 @@
 #include "vnRPC_Snapshot.h"
 
+#include <utility>
+
 #include "cMultipartRecord.h"
 #include "vnRPC_Encoder.h"
 #include "vnRPC_SnapshotMouse.h"
@@ -82,9 +84,9 @@ int vnRPC_Snapshot::snapshot(vnRPC_Call& call) {
     zRect rect;
     {
         zAutoCritical lock(fLock);
-        fCrop = request.crop;
+        const bool isOtherCrop = request.crop != std::exchange(fCrop, request.crop);
         rect = request.Cropped(fDevice->MaximumRect());
-        if (fTick.grabResult == vnRPC_TickState::kNoGrabYet || !vnRPC_SameSize(rect, fTick.captured))
+        if (fTick.NeedsGrab(rect, isOtherCrop))
             SignalThread_Tick();
         if (fTick.grabResult == 0) {
             fEncoder.CheckAndResize(fTick.captured, *fFrame);

@@ -1,6 +1,7 @@
 #include "vnRPC_SnapshotByDiffs.h"
 
 #include <cstdlib>
+#include <utility>
 
 #include "cMultipartRecord.h"
 #include "cUtils.h"
@@ -109,7 +110,6 @@ int vnRPC_SnapshotByDiffs::snapshot_by_diffs(vnRPC_Call& call, bool withAudio) {
         reply_muted(call);
         return 0;
     }
-    fCrop = request.crop;
     const bool captured = capture_if_needed(request);
     if (fTick.grabResult != 0)
         return -1;
@@ -147,8 +147,9 @@ void vnRPC_SnapshotByDiffs::reply_muted(vnRPC_Call& call) {
 /// The first request, the first one after a mute, and a change of size have to wait for a whole frame. True
 /// if one was captured.
 bool vnRPC_SnapshotByDiffs::capture_if_needed(const vnRPC_PictureRequest& request) {
+    const bool isOtherCrop = request.crop != std::exchange(fCrop, request.crop);
     const zRect wanted = limited(request.Cropped(fDevice->MaximumRect()));
-    if (!fMuted && fTick.grabResult != vnRPC_TickState::kNoGrabYet && vnRPC_SameSize(wanted, fTick.captured))
+    if (!fMuted && !fTick.NeedsGrab(wanted, isOtherCrop))
         return false;
     fMuted = false;
     fForceFull = true;

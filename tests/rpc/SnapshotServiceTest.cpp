@@ -151,6 +151,12 @@ TEST_F(SnapshotServiceTest, AbsurdCropsFailAndDoNoHarm) {
     EXPECT_EQ(SnapshotWithCrop(-kHuge - 1, -kHuge - 1, -kHuge - 1, 5), -1);
     EXPECT_EQ(SnapshotWithCrop(-1000000, 0, -1000000, -5000), -1);
     EXPECT_EQ(Call("Snapshot"), 0);
+    // These leave the captured rectangle as it was: the next client must not inherit their failure.
+    EXPECT_EQ(SnapshotWithCrop(5000, 0, 0, 0), -1);
+    EXPECT_EQ(Call("Snapshot"), 0);
+    SnapshotWithCrop(-kHuge - 1, 0, -kHuge - 1,
+                     0); // Wraps to the size at hand, so that only the worker fails.
+    EXPECT_EQ(Call("Snapshot"), 0);
 }
 
 TEST_F(SnapshotServiceTest, LeavesThePointerOutWhileItIsHidden) {
