@@ -1,0 +1,86 @@
+#include "zCmdLine.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+
+#include "zRecord.h"
+
+namespace {
+
+std::string Joined(const zRecord& record) {
+    std::string text;
+    for (int i = 0; i < static_cast<int>(record.VariableCount()); ++i)
+        text += std::string(i ? "|" : "") + zCmdLine::Arg_IdxAsCString(record, i, "?");
+    return text;
+}
+
+zRecord& Parsed(zRecord& record, const char* line) {
+    EXPECT_EQ(zCmdLine::Parse(record, line, false), 0);
+    return record;
+}
+
+} // namespace
+
+TEST(CmdLine, TakesTheArgumentsOfMain) {
+    zRecord record;
+    record.SetInt32("old", 1);
+    const char* arguments[] = {"program", "-psn_0_1234", "", " \t\r\n", "a", "b c"};
+    EXPECT_EQ(zCmdLine::Parse(record, 6, arguments, true), 0);
+    EXPECT_EQ(Joined(record), "a|b c");
+    EXPECT_EQ(zCmdLine::Parse(record, 6, arguments, false), 0);
+    EXPECT_EQ(Joined(record), "program|a|b c");
+    EXPECT_EQ(zCmdLine::Parse(record, 6, nullptr, false), -1);
+}
+
+TEST(CmdLine, SplitsALine) {
+    const struct {
+        const char *line, *arguments;
+    } kCases[] = {
+        {"", ""},
+        {" a\tb\n c ", "a|b|c"},
+        {"a \"b c\" d", "a|b c|d"},
+        {"a \"it's\" b", "a|it's|b"},
+        {"'one' 'two words' x", "one|two|words|x"}, // only double quotes protect blanks
+        {"'a\"b'", "a\"b"},
+        {"x=\"1 2\"y", "x=|1 2|y"},
+        {"\"open end", "open end"},
+        {"\"\" '' a", "a"},
+        {"-psn_0 a", "a"},
+    };
+    zRecord record;
+    for (const auto& c : kCases)
+        EXPECT_EQ(Joined(Parsed(record, c.line)), c.arguments) << c.line;
+    EXPECT_EQ(zCmdLine::Parse(record, "program a", true), 0);
+    EXPECT_EQ(Joined(record), "a");
+    EXPECT_EQ(zCmdLine::Parse(record, nullptr, true), 0);
+    EXPECT_EQ(record.VariableCount(), 0u);
+}
+
+TEST(CmdLine, FindsValues) {
+    zRecord record;
+    Parsed(record, "-port 7272 -name x -last");
+    EXPECT_STREQ(zCmdLine::Arg_AsCString(record, "-name", "none"), "x");
+    EXPECT_EQ(zCmdLine::Arg_AsInt32(record, "-port", 1), 7272);
+    for (const char* missing : {"-last", "-other", "x "}) {
+        EXPECT_STREQ(zCmdLine::Arg_AsCString(record, missing, "none"), "none");
+        EXPECT_EQ(zCmdLine::Arg_AsInt32(record, missing, 5), 5);
+    }
+    EXPECT_STREQ(zCmdLine::Arg_IdxAsCString(record, 4, "none"), "-last");
+    for (const int index : {-1, 5, INT_MAX, INT_MIN})
+        EXPECT_STREQ(zCmdLine::Arg_IdxAsCString(record, index, "none"), "none");
+    EXPECT_STREQ(zCmdLine::get_arg1(record, 1), "-port");
+}
+
+TEST(CmdLine, SwitchesAreLettersInGroupsWithoutAValue) {
+    zRecord record;
+    Parsed(record, "-ab -c value -d");
+    EXPECT_TRUE(zCmdLine::SwitchExists(record, 'a', false));
+    EXPECT_TRUE(zCmdLine::SwitchExists(record, 'b', true));
+    EXPECT_TRUE(zCmdLine::SwitchExists(record, 'd', true));
+    EXPECT_FALSE(zCmdLine::SwitchExists(record, 'c', true)) << "it has a value";
+    EXPECT_FALSE(zCmdLine::SwitchExists(record, 'v', true));
+    EXPECT_FALSE(zCmdLine::SwitchExists(record, '-', true));
+    EXPECT_FALSE(zCmdLine::SwitchExists(record, '\0', true));
+}
