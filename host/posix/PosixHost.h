@@ -2,6 +2,7 @@
 
 #include "Host.h"
 #include "PosixClock.h"
+#include "PosixDesktop.h"
 #include "PosixRunLoop.h"
 #include "PulseAudioDevice.h"
 #include "PulseAudioDriver.h"
@@ -14,6 +15,7 @@ class PosixHost : public Host {
   public:
     Clock& ClockPort() override { return fClock; }
     RunLoop& RunLoopPort() override { return fRunLoop; }
+    Desktop& DesktopPort() override { return fDesktop; }
     AudioDevice* AudioDevicePort() override { return &fAudioDevice; }
     AudioDriver* AudioDriverPort() override { return &fAudioDriver; }
     std::unique_ptr<PictureExporter> NewPictureExporter(int width, int height, int rowBytes) override;
@@ -23,6 +25,7 @@ class PosixHost : public Host {
   private:
     PosixClock fClock;
     PosixRunLoop fRunLoop;
+    PosixDesktop fDesktop;
     PulseAudioDevice fAudioDevice;
     PulseAudioDriver fAudioDriver{fAudioDevice};
 };

@@ -1,0 +1,49 @@
+#include "PosixDesktop.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr const char* kVariables[] = {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"};
+
+} // namespace
+
+TEST(PosixDesktop, LanguagesComeFromTheEnvironment) {
+    const struct {
+        const char* values[4]; ///< In the order of kVariables; null for not set.
+        std::vector<std::string> languages;
+    } kCases[] = {
+        {{}, {}},
+        {{nullptr, nullptr, nullptr, "de_AT.UTF-8"}, {"de_AT"}},
+        {{nullptr, nullptr, "sv_SE@euro", "de_DE"}, {"sv_SE"}},
+        {{nullptr, "fr_FR.ISO-8859-1", "sv_SE", "de_DE"}, {"fr_FR"}},
+        {{nullptr, "", "", "de_DE"}, {"de_DE"}},
+        {{"nb:sv::nb:C", nullptr, nullptr, "en_US.UTF-8"}, {"nb", "sv", "en_US"}},
+        {{"sv", "C.UTF-8", nullptr, "de_DE"}, {}}, // the plain locale has no translations
+        {{"sv", nullptr, nullptr, "POSIX"}, {}},
+        {{"sv", nullptr, nullptr, nullptr}, {}},
+    };
+    for (const auto& c : kCases) {
+        for (size_t i = 0; i < std::size(kVariables); ++i) {
+            if (c.values[i])
+                setenv(kVariables[i], c.values[i], 1);
+            else
+                unsetenv(kVariables[i]);
+        }
+        EXPECT_EQ(host::PosixDesktop().PreferredLanguages(), c.languages);
+    }
+}
+
+TEST(PosixDesktop, ResourcesLieBesideThePrograms) {
+    host::PosixDesktop desktop;
+    const std::string path = desktop.ResourcePath("languages/patois_tamarack_en.xml");
+    EXPECT_TRUE(std::filesystem::path(path).is_absolute()) << path;
+    EXPECT_TRUE(std::filesystem::exists(path)) << path;
+    EXPECT_EQ(desktop.ResourcePath("languages"), "") << "a folder is none";
+    EXPECT_EQ(desktop.ResourcePath("missing.xml"), "");
+}
