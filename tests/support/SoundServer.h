@@ -8,7 +8,7 @@
 #include "Program.h"
 
 /// A sound server of its own for a test: PipeWire, with everything that it needs, in a fresh folder. This
-/// process's environment leads to it while this object lives. It ends with the test program however that
+/// process's environment leads to no other one from then on. It ends with the test program however that
 /// ends.
 class SoundServer {
   public:
