@@ -1,11 +1,12 @@
 #include "zSocket.h"
 
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -44,10 +45,8 @@ class SocketTest : public testing::Test {
 TEST_F(SocketTest, AcceptStoresThePeerAsAskedAndNeverBlocks) {
     zSocket* none = nullptr;
     EXPECT_EQ(fListener->Accept(&none, 0), zSocket::kWouldBlock);
-    const Socket clients[] = {Connected(), Connected(), Connected()};
-    EXPECT_STREQ(clients[0]->Address(), "127.0.0.1");
+    const Socket clients[] = {Connected(), Connected()};
     EXPECT_EQ(Accepted()->Address(), nullptr);
-    EXPECT_EQ(Accepted(zSocket::kStoreAddress)->NumAddress(), 0u);
     const Socket accepted = Accepted(zSocket::kStoreNumericAddress);
     EXPECT_STREQ(accepted->Address(), "127.0.0.1");
     EXPECT_EQ(zSocket::ntoh_l(accepted->NumAddress()), 0x7F000001u);
@@ -57,22 +56,19 @@ TEST_F(SocketTest, AcceptStoresThePeerAsAskedAndNeverBlocks) {
 TEST_F(SocketTest, ReceiveTellsMoreFromEmptyFromClosed) {
     const Socket client = Connected();
     const Socket server = Accepted();
-    char bytes[4] = {};
-    int got = 9;
-    EXPECT_EQ(server->Receive(bytes, 4, &got), zSocket::kWouldBlock);
-    EXPECT_EQ(got, 0);
-    EXPECT_EQ(client->Send("sixsix", 6, &got, 0), 0);
-    EXPECT_EQ(got, 6);
+    client->Send("sixsix", 6, nullptr, 0);
     EXPECT_EQ(server->SelectRead(5000, nullptr), 0);
-    EXPECT_EQ(server->Receive(bytes, 4, &got), 0);
-    EXPECT_EQ(std::string(bytes, 4), "sixs");
-    EXPECT_EQ(server->Receive(bytes, 4, &got), zSocket::kWouldBlock);
-    EXPECT_EQ(got, 2);
+    char bytes[4] = {};
+    const std::pair<int, int> expected[] = {{0, 4}, {zSocket::kWouldBlock, 2}, {zSocket::kWouldBlock, 0}};
+    for (const auto& [result, size] : expected) {
+        int got = 9;
+        EXPECT_EQ(server->Receive(bytes, 4, &got), result);
+        EXPECT_EQ(got, size);
+    }
     client->Abort();
     EXPECT_EQ(server->SelectRead(5000, nullptr), 0);
+    int got = 9;
     EXPECT_EQ(server->Receive(bytes, 4, &got), 0);
-    EXPECT_EQ(got, 0);
-    EXPECT_EQ(server->ReceivePending(bytes, 4, &got), 0);
     EXPECT_EQ(got, 0);
 }
 
@@ -97,15 +93,14 @@ TEST_F(SocketTest, SendToFullAndToGonePeersFailsWithoutASignal) {
 TEST_F(SocketTest, WaitsCountWholeSecondsOnly) {
     const auto start = std::chrono::steady_clock::now();
     bool readable = true;
-    EXPECT_EQ(fListener->SelectRead(500, &readable), zSocket::kTimedOut);
+    EXPECT_EQ(fListener->SelectRead(999, &readable), zSocket::kTimedOut);
     EXPECT_FALSE(readable);
     EXPECT_EQ(fListener->SelectRead(-5000, nullptr), zSocket::kTimedOut);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
     zHeap<_zSocket_select*> none;
     int ready = 7;
-    EXPECT_EQ(zSocket::Select(none, 999, &ready), 0);
-    EXPECT_EQ(ready, 0);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
     EXPECT_EQ(zSocket::Select(none, 1999, &ready), 0);
+    EXPECT_EQ(ready, 0);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(990));
 }
 
@@ -128,27 +123,17 @@ TEST_F(SocketTest, SelectReportsReadersAndTakesWritersForGranted) {
     EXPECT_EQ(listener.result, 0);
     EXPECT_EQ(reader.result, _zSocket_select::kRead);
     EXPECT_EQ(writer.result, _zSocket_select::kWrite);
-    char byte;
-    int got = 0;
-    server->Receive(&byte, 1, &got);
-    EXPECT_EQ(zSocket::Select(list, 0, &ready), 0);
-    EXPECT_EQ(reader.result, _zSocket_select::kRead) << "a time-out leaves the last results";
-    EXPECT_EQ(zSocket::Poll(list, 5000, &ready), 0);
-    EXPECT_EQ(ready, 0);
 }
 
 TEST_F(SocketTest, NamesThatDoNotResolveConnectToNothing) {
     Socket client(zSocket::Factory());
     client->Create(zSocket::kBlocking);
-    const auto port = static_cast<short>(fPort);
     for (const char* name : {"256.1.1.1", "1.2.3.4.5", "", "no such host"})
-        EXPECT_EQ(client->Connect(name, port, 0), zSocket::kUnknownHost) << name;
-    EXPECT_EQ(client->Connect(nullptr, port, 0), zSocket::kBadArgument);
+        EXPECT_EQ(client->Connect(name, static_cast<short>(fPort), 0), zSocket::kUnknownHost) << name;
     EXPECT_EQ(client->SendTo("256.1.1.1", fPort, "x", 1), zSocket::kUnknownHost);
     zSocket* none = nullptr;
     EXPECT_EQ(fListener->Accept(&none, 0), zSocket::kWouldBlock);
-
-    zString address("old");
+    zString address;
     EXPECT_EQ(zSocket::DNSLookup(nullptr, address), -22);
     EXPECT_EQ(zSocket::DNSLookup("256.1.1.1", address), -19);
     EXPECT_EQ(zSocket::DNSLookup("localhost", address), 0);
@@ -156,53 +141,34 @@ TEST_F(SocketTest, NamesThatDoNotResolveConnectToNothing) {
 }
 
 TEST_F(SocketTest, PlatformErrorsHaveTheirCodes) {
+    const auto port = static_cast<short>(fPort);
     Socket second(zSocket::Factory());
     second->Create(0);
-    EXPECT_EQ(second->Bind(static_cast<short>(fPort), "127.0.0.1"), zSocket::kAddressInUse);
-    EXPECT_EQ(second->Bind(0, "not.an.address."), zSocket::kUnknownHost);
-    EXPECT_EQ(second->Connect("127.0.0.1", static_cast<short>(fPort), 0), zSocket::kInProgress);
+    EXPECT_EQ(second->Bind(port, "127.0.0.1"), zSocket::kAddressInUse);
+    EXPECT_EQ(second->Connect("127.0.0.1", port, 0), zSocket::kInProgress);
     EXPECT_EQ(second->SelectWrite(5000, nullptr), 0);
-    EXPECT_EQ(second->Connect("127.0.0.1", static_cast<short>(fPort), 0), 0);
-    EXPECT_EQ(second->Connect("127.0.0.1", static_cast<short>(fPort), 0), zSocket::kConnected);
+    EXPECT_EQ(second->Connect("127.0.0.1", port, 0), 0);
+    EXPECT_EQ(second->Connect("127.0.0.1", port, 0), zSocket::kConnected);
     fListener.reset();
     Socket refused(zSocket::Factory());
     refused->Create(zSocket::kBlocking);
-    EXPECT_EQ(refused->Connect("127.0.0.1", static_cast<short>(fPort), 0), zSocket::kRefused);
-}
-
-TEST_F(SocketTest, SocketWithoutDescriptorFailsQuietly) {
-    zSocket none;
-    int got = 0;
-    bool flag = true;
-    char byte = 0;
-    EXPECT_LT(none.Send(&byte, 1, nullptr, 0), 0);
-    EXPECT_LT(none.Receive(&byte, 1, &got), 0);
-    EXPECT_EQ(none.SetTCPNoDelay(), -1);
-    EXPECT_EQ(none.Multicast_AddMembership("not a group"), -1);
-    EXPECT_LT(none.Listen(1), 0);
-    none.SelectWrite(0, &flag);
+    EXPECT_EQ(refused->Connect("127.0.0.1", port, 0), zSocket::kRefused);
 }
 
 TEST_F(SocketTest, DescriptorsBeyondTheSetsAreNeverWaitedFor) {
     rlimit old = {};
     getrlimit(RLIMIT_NOFILE, &old);
-    rlimit raised = old;
-    raised.rlim_cur = std::min<rlim_t>(old.rlim_max, 4096);
-    if (raised.rlim_cur < 1100)
-        GTEST_SKIP() << "this machine allows too few open files";
+    const rlimit raised = {std::min<rlim_t>(old.rlim_max, 4096), old.rlim_max};
     setrlimit(RLIMIT_NOFILE, &raised);
-    Socket early = Connected();
-    Accepted();
     std::vector<int> fillers;
-    while (fillers.empty() || fillers.back() < FD_SETSIZE)
-        fillers.push_back(open("/dev/null", O_RDONLY | O_CLOEXEC));
+    while (fillers.empty() || (fillers.back() >= 0 && fillers.back() < FD_SETSIZE))
+        fillers.push_back(dup(STDOUT_FILENO));
+    ASSERT_GE(fillers.back(), FD_SETSIZE) << "this machine allows too few open files";
 
-    Socket high = Connected();
+    const Socket high = Connected();
     EXPECT_FALSE(high->IsSelectable());
     EXPECT_EQ(high->Send("x", 1, nullptr, 5000), 0);
-    bool flag = true;
-    EXPECT_EQ(high->SelectRead(5000, &flag), zSocket::kOtherError);
-    EXPECT_FALSE(flag);
+    EXPECT_EQ(high->SelectRead(5000, nullptr), zSocket::kOtherError);
     _zSocket_select entry{high.get(), _zSocket_select::kRead, 0};
     zHeap<_zSocket_select*> list;
     list.Append(&entry);
@@ -212,8 +178,6 @@ TEST_F(SocketTest, DescriptorsBeyondTheSetsAreNeverWaitedFor) {
     zSocket* accepted = nullptr;
     EXPECT_EQ(fListener->SelectRead(5000, nullptr), 0);
     EXPECT_EQ(fListener->Accept(&accepted, 0), zSocket::kWouldBlock);
-    EXPECT_EQ(accepted, nullptr);
-
     for (const int filler : fillers)
         close(filler);
     setrlimit(RLIMIT_NOFILE, &old);
@@ -221,30 +185,18 @@ TEST_F(SocketTest, DescriptorsBeyondTheSetsAreNeverWaitedFor) {
 
 TEST(SocketDatagramTest, SendToReportsItsBytes) {
     Socket receiver(zSocket::Factory());
+    Socket sender(zSocket::Factory());
     receiver->Create(zSocket::kDatagram);
+    sender->Create(zSocket::kDatagram);
     ASSERT_EQ(receiver->Bind(0), 0);
     unsigned short port = 0;
     receiver->GetLocalPort(&port);
-    Socket sender(zSocket::Factory());
-    sender->Create(zSocket::kDatagram);
-    EXPECT_EQ(sender->SetBroadcast(), 0);
-    EXPECT_EQ(sender->SetSendBufferSize(65536), 0);
     EXPECT_EQ(sender->SendTo("localhost", port, "datagram", 8), 8);
     char bytes[16] = {};
     int got = 0;
     EXPECT_EQ(receiver->SelectRead(5000, nullptr), 0);
     EXPECT_EQ(receiver->ReceivePending(bytes, sizeof bytes, &got), 0);
     EXPECT_EQ(std::string(bytes, static_cast<size_t>(got)), "datagram");
-}
-
-TEST(SocketAddressTest, LocalAddressIsDottedText) {
-    zString address;
-    in_addr parsed = {};
-    if (zSocket::GetLocalIPAddress(nullptr, address) == 0) {
-        EXPECT_EQ(inet_aton(address, &parsed), 1) << address;
-    } else {
-        EXPECT_TRUE(address.IsEmpty());
-    }
 }
 
 } // namespace

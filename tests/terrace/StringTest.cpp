@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
-#include "zCFString.h"
 #include "zString.h"
 
 TEST(String, NoTextAndEmptyTextAreTheSameValue) {
@@ -10,29 +10,22 @@ TEST(String, NoTextAndEmptyTextAreTheSameValue) {
     EXPECT_EQ(none, zString("", kWholeText));
     EXPECT_EQ(none, static_cast<const char*>(nullptr));
     EXPECT_STREQ(none, "");
-    EXPECT_EQ(none.Length(), 0U);
     EXPECT_EQ(none.Checksum(), 0);
-    EXPECT_EQ(zString(none), none);
     EXPECT_FALSE(none < zString(""));
 }
 
 TEST(String, AssignsAndAppendsPartsOfItself) {
     zString text("one two");
     text = text.FindSubString("two");
-    EXPECT_STREQ(text, "two");
     text += text;
     EXPECT_STREQ(text, "twotwo");
     text.sprintf("<%s|%d>", static_cast<const char*>(text), 7);
-    EXPECT_STREQ(text, "<twotwo|7>");
     text.Prepend("ab", 1).AddToEnd("xyz", 2);
     EXPECT_STREQ(text, "a<twotwo|7>xy");
-    text = static_cast<const char*>(nullptr);
-    EXPECT_TRUE(text.IsEmpty());
 }
 
 TEST(String, ReadsBytesAndEndsWithinTheText) {
     const zString text("abc");
-    EXPECT_EQ(text[2], 'c');
     EXPECT_EQ(text[3], 0);
     EXPECT_EQ(text[1'000'000], 0);
     EXPECT_STREQ(text.Left(0), "");
@@ -43,17 +36,12 @@ TEST(String, ReadsBytesAndEndsWithinTheText) {
     const zString fruit("banana");
     EXPECT_STREQ(fruit.FindNthChar(2, 'a'), "ana");
     EXPECT_EQ(fruit.FindNthChar(4, 'a'), nullptr);
-    EXPECT_EQ(fruit.FindNthChar(0, 'a'), nullptr);
     EXPECT_EQ(fruit.FindSubString("", 6), nullptr);
 }
 
-TEST(String, StartsWithFindsTheTextAnywhere) {
+TEST(String, StartsWithFindsTheTextAnywhereAndEndsWithAtTheEndOnly) {
     EXPECT_TRUE(zString("abc").StartsWith("b"));
     EXPECT_FALSE(zString("abc").StartsWith("d"));
-    EXPECT_FALSE(zString().StartsWith(""));
-}
-
-TEST(String, EndsWithLooksAtTheEndOnly) {
     EXPECT_TRUE(zString("abab").EndsWith("ab"));
     EXPECT_FALSE(zString("abc").EndsWith("ab"));
     EXPECT_FALSE(zString("b").EndsWith("ab"));
@@ -68,12 +56,10 @@ TEST(String, CutsAtSeparators) {
     EXPECT_STREQ(rest, "b--c");
     rest.SplitAtFirst(&text, ";");
     EXPECT_STREQ(text, "");
-    EXPECT_STREQ(rest, "b--c");
-    zString path("x/y/z");
-    path.TruncateAt("/");
-    EXPECT_STREQ(path, "x/y");
-    path.TruncateAt("?");
-    EXPECT_STREQ(path, "x/y");
+    for (int i = 0; i < 2; ++i) {
+        rest.TruncateAt("--");
+        EXPECT_STREQ(rest, "b");
+    }
 }
 
 TEST(String, ReplacesWithShorterEqualAndLongerTexts) {
@@ -90,36 +76,28 @@ TEST(String, ReplacesWithShorterEqualAndLongerTexts) {
         EXPECT_EQ(text.ReplaceString(c.from, c.to), c.count) << c.text;
         EXPECT_STREQ(text, c.expected);
     }
-    zString text("a.b.c");
-    EXPECT_EQ(text.ReplaceChar('.', '/'), 2);
-    EXPECT_STREQ(text, "a/b/c");
 }
 
 // Stored texts were trimmed this way.
 TEST(String, TrimLosesTheLastCharacterWhenNothingIsToDropInFront) {
-    const struct {
-        const char *text, *expected;
-    } cases[] = {{"abc", "ab"}, {" abc", "abc"}, {"  abc  ", "abc"}, {" ", ""}, {"", ""}};
-    for (const auto& c : cases) {
-        zString text(c.text);
+    const std::pair<const char*, const char*> cases[] = {
+        {"abc", "ab"}, {" abc", "abc"}, {"  abc  ", "abc"}, {" ", ""}, {"", ""}};
+    for (const auto& [before, after] : cases) {
+        zString text(before);
         text.LRTrim(" ");
-        EXPECT_STREQ(text, c.expected) << '"' << c.text << '"';
+        EXPECT_STREQ(text, after) << '"' << before << '"';
     }
     char out[4];
-    zString::LRTrim(out, " abc ", sizeof out, " ");
-    EXPECT_STREQ(out, "abc");
     zString::LRTrim(out, "abcdef", sizeof out, " ");
     EXPECT_STREQ(out, "abc");
 }
 
 TEST(String, RemovesTheLastCharacterWhole) {
-    const struct {
-        const char *text, *expected;
-    } cases[] = {{"a\xE2\x82\xAC", "a"}, {"ab", "a"}, {"", ""}, {"\x82\xAC", ""}};
-    for (const auto& c : cases) {
-        zString text(c.text);
+    for (const auto& [before, after] :
+         {std::pair{"a\xE2\x82\xAC", "a"}, {"ab", "a"}, {"", ""}, {"\x82\xAC", ""}}) {
+        zString text(before);
         text.RemoveLastGlyph();
-        EXPECT_STREQ(text, c.expected);
+        EXPECT_STREQ(text, after);
     }
 }
 
@@ -139,87 +117,58 @@ TEST(String, FourCharacterCodesPackFirstCharacterOnTop) {
     EXPECT_EQ(code, 0U);
     zString("ab").Get4CCCC(&code);
     EXPECT_EQ(code, 0x61620000U);
-    zString text("old");
-    EXPECT_EQ(text.Set4CCCC(code), -1);
-    EXPECT_STREQ(text, "");
-    EXPECT_EQ(text.Set4CCCC(0x78546167), 0);
-    EXPECT_STREQ(text, "xTag");
-    char out[5];
-    EXPECT_EQ(zString::Set4CCCC(out, 0x01020304), -1);
-    EXPECT_STREQ(out, "\1\2\3\4");
-    EXPECT_EQ(zString::Set4CCCC(out, 0xE4616263), -1);
+    const std::tuple<unsigned int, const char*, int> codes[] = {
+        {0x61620000, "ab", -1}, {0x78546167, "xTag", 0}, {0x01020304, "\1\2\3\4", -1}};
+    for (const auto& [packed, text, result] : codes) {
+        char out[5];
+        EXPECT_EQ(zString::Set4CCCC(out, packed), result);
+        EXPECT_STREQ(out, text);
+    }
 }
 
 TEST(String, NumbersAndChecksum) {
     EXPECT_EQ(zString("-12x").AsInt32(), -12);
-    EXPECT_EQ(zString("x").AsInt32(), 0);
     EXPECT_EQ(zString("4294967295").AsInt32(), -1);
     zString text;
-    text.SetUInt32(255, 16);
-    EXPECT_STREQ(text, "ff");
-    text.SetUInt32(4294967295U, 10);
-    EXPECT_STREQ(text, "4294967295");
-    text.SetUInt32(255, 8);
-    EXPECT_STREQ(text, "");
+    for (const auto& [base, expected] : {std::pair{16, "ff"}, {10, "255"}, {8, ""}}) {
+        text.SetUInt32(255, base);
+        EXPECT_STREQ(text, expected);
+    }
     EXPECT_EQ(zString("a").Checksum(), 0);
-    EXPECT_EQ(zString("ab").Checksum(), 0x6261);
     EXPECT_EQ(zString("abcde").Checksum(), 0x6261 ^ 0x6463);
 }
 
-TEST(String, LengthPrefixedTexts) {
-    char text[] = "abc";
-    EXPECT_EQ(zString::c2pstr(text)[0], 3);
-    EXPECT_STREQ(zString::p2cstr(reinterpret_cast<unsigned char*>(text)), "abc");
-    const zString longText(std::string(300, 'x').c_str());
-    unsigned char pascal[256];
-    zString::c2pstrcpy(pascal, longText);
-    EXPECT_EQ(pascal[0], 300 - 256);
-    zString back;
-    back.FromPascal(pascal);
-    EXPECT_EQ(back.Length(), 44U);
-}
-
 TEST(String, ComparesWithAndWithoutCase) {
-    EXPECT_TRUE(zString::string_equal("AbC", "aBc"));
     EXPECT_TRUE(zString::string_equal("AbCx", "aBcy", 3));
     EXPECT_FALSE(zString::string_equal("AbCx", "aBcy", -1)) << "a negative length means all";
-    EXPECT_TRUE(zString::string_equal("a", "b", 0));
     EXPECT_NE(zString("A"), zString("a"));
     EXPECT_LT(zString("a"), zString("b"));
     EXPECT_GT(zString("b"), zString());
 }
 
 TEST(String, UpperCaseKnowsMoreThanAscii) {
-    zString text("stra\xC3\x9F"
-                 "e \xC3\xA9");
-    text.ToUpper();
-    EXPECT_STREQ(text, "STRASSE \xC3\x89");
-    text = "bad \xFF";
-    text.ToUpper();
-    EXPECT_STREQ(text, "bad \xFF");
+    for (const auto& [before, after] :
+         {std::pair{"\xC3\x9F \xC3\xA9", "SS \xC3\x89"}, {"bad \xFF", "bad \xFF"}}) {
+        zString text(before);
+        text.ToUpper();
+        EXPECT_STREQ(text, after);
+    }
 }
 
 TEST(String, WideTexts) {
     const unsigned short units[] = {'a', 0x20AC, 0xD83D, 0xDE00, 0};
-    zString text(units, -1);
-    EXPECT_STREQ(text, "a\xE2\x82\xAC\xF0\x9F\x98\x80");
-    EXPECT_STREQ(text.SetWideStr(nullptr, 5), "");
-    zCFString object("\xE2\x82\xAC");
-    EXPECT_STREQ(zString(object.Ref()), "\xE2\x82\xAC");
-    EXPECT_STREQ(text.SetCFString(object.Ref("b")), "b");
-    EXPECT_STREQ(text.SetCFString(nullptr), "");
+    EXPECT_STREQ(zString(units, -1), "a\xE2\x82\xAC\xF0\x9F\x98\x80");
+    EXPECT_STREQ(zString(units + 2, 1), "") << "half a pair";
 }
 
 TEST(String, CipherTextIsHexadecimalAndComesBack) {
-    for (const char* plain : {"", "short", "longer than one block"}) {
-        zString text(plain);
-        text.TeanEncode("key");
-        EXPECT_EQ(text.Length(), 2 * zString(plain).Length());
-        EXPECT_EQ(std::string(text).find_first_not_of("0123456789ABCDEF"), std::string::npos);
-        text.TeanDecode("key");
-        EXPECT_STREQ(text, plain);
-    }
-    zString broken("zz1");
-    broken.TeanDecode("key");
-    EXPECT_EQ(broken.Length(), 1U);
+    zString text("longer than one block");
+    text.TeanEncode("key");
+    EXPECT_EQ(text.Length(), 42U);
+    EXPECT_EQ(std::string(text).find_first_not_of("0123456789ABCDEF"), std::string::npos);
+    text.TeanDecode("key");
+    EXPECT_STREQ(text, "longer than one block");
+    text = "zz1";
+    text.TeanDecode("key");
+    EXPECT_EQ(text.Length(), 1U) << "no hexadecimal digits";
 }
