@@ -1,9 +1,10 @@
 #include "cHttpServer.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <ctime>
 #include <string>
@@ -18,7 +19,8 @@ using std::chrono::steady_clock;
 
 constexpr int kReadSize = 4095;
 
-/// Answers a POST with its URL, query and body, and "/flood" with more than any socket's buffers hold.
+/// Answers a POST with its URL, query and body. "/flood" sends more than any socket's buffers hold; its query
+/// is the time-out of that in milliseconds.
 class EchoHandler : public cHttpHandler {
   public:
     bool CanHandle(int method, const zString&, const zString&, const zString&, const char*) override {
@@ -29,9 +31,7 @@ class EchoHandler : public cHttpHandler {
         ++fCalls;
         fCalls.notify_all();
         if (url == "/flood")
-            return flood(socket);
-        if (url == "/missing")
-            return Send404(socket);
+            return socket->Send(std::string(64 << 20, 'x').data(), 64 << 20, nullptr, query.AsInt32());
         const std::string text = std::string(url) + "|" + std::string(query) + "|" + body;
         SendHeaders(socket, static_cast<int>(text.size()), "text/plain");
         return SendString(socket, text.c_str());
@@ -40,20 +40,12 @@ class EchoHandler : public cHttpHandler {
     int Calls() const { return fCalls; }
 
   private:
-    static int flood(zSocket* socket) {
-        static const std::vector<char> bytes(4 << 20);
-        int result = 0;
-        for (int i = 0; i < 16 && result == 0; ++i)
-            result = socket->Send(bytes.data(), static_cast<int>(bytes.size()), nullptr, kSendTimeoutMs);
-        return result;
-    }
-
     std::atomic<int> fCalls = 0;
 };
 
 class HttpServerTest : public testing::Test {
   protected:
-    HttpServerTest() : fHandler(new EchoHandler), fServer(std::make_unique<cHttpServer>(0, kReadSize)) {
+    HttpServerTest() {
         fServer->InstallHandler(*fHandler);
         EXPECT_EQ(fServer->WaitUntilListening(), 0);
     }
@@ -63,8 +55,8 @@ class HttpServerTest : public testing::Test {
     }
     uint16_t Port() const { return fServer->Port(); }
 
-    EchoHandler* fHandler;
-    std::unique_ptr<cHttpServer> fServer;
+    EchoHandler* fHandler = new EchoHandler;
+    std::unique_ptr<cHttpServer> fServer = std::make_unique<cHttpServer>(0, kReadSize);
 };
 
 std::string echo_reply(const std::string& text) {
@@ -80,22 +72,16 @@ std::string bytes_of(const std::optional<TestClient::Reply>& reply) {
 /// A limit of this process, put back at the end.
 class ScopedFileLimit {
   public:
-    ScopedFileLimit() { getrlimit(RLIMIT_NOFILE, &fOld); }
-    ~ScopedFileLimit() { setrlimit(RLIMIT_NOFILE, &fOld); }
-    void Set(int limit) {
-        rlimit changed = fOld;
-        changed.rlim_cur = static_cast<rlim_t>(limit);
+    explicit ScopedFileLimit(int limit) {
+        getrlimit(RLIMIT_NOFILE, &fOld);
+        const rlimit changed = {std::min(static_cast<rlim_t>(limit), fOld.rlim_max), fOld.rlim_max};
         setrlimit(RLIMIT_NOFILE, &changed);
     }
-    int Max() const { return fOld.rlim_max > 4096 ? 4096 : static_cast<int>(fOld.rlim_max); }
+    ~ScopedFileLimit() { setrlimit(RLIMIT_NOFILE, &fOld); }
 
   private:
     rlimit fOld = {};
 };
-
-int open_null() {
-    return open("/dev/null", O_RDONLY | O_CLOEXEC);
-}
 
 TEST_F(HttpServerTest, AnswersRequestAfterRequestOnOneConnection) {
     TestClient client(Port());
@@ -108,16 +94,6 @@ TEST_F(HttpServerTest, AnswersRequestAfterRequestOnOneConnection) {
     client.Send("POST /close HTTP/1.0\r\nConnection: close\r\n\r\n");
     EXPECT_EQ(bytes_of(client.ReadReply()), echo_reply("/close||"));
     EXPECT_EQ(bytes_of(client.Post("still open")), echo_reply("/||still open"));
-}
-
-TEST_F(HttpServerTest, SendsTheNotFoundPageUnderStatus200) {
-    TestClient client(Port());
-    EXPECT_EQ(
-        bytes_of(client.Post("", "/missing")),
-        "HTTP/1.1 200 OK\r\nConnection: Keep-Alive\r\nServer: quillon_httpd/0.1.0\r\n"
-        "Content-Type: text/html\r\nContent-Length: 126\r\n\r\n"
-        "<HTML><TITLE>Not Found</TITLE>\r\n\t<BODY><P>The server could not fulfill your request (Resource "
-        "not found)</P>\r\n</BODY></HTML>\r\n");
 }
 
 TEST_F(HttpServerTest, DropsWhatFollowsARequestInTheSameRead) {
@@ -160,19 +136,18 @@ TEST_F(HttpServerTest, HostileClientsDisturbNobody) {
 
 TEST_F(HttpServerTest, StopCutsOffAReplyThatNobodyReads) {
     TestClient client(Port());
-    client.Send(TestClient::Request("", "/flood"));
+    client.Send(TestClient::Request("", "/flood?60000"));
     fHandler->WaitForCall();
     const auto start = steady_clock::now();
-    fServer->Stop();
     fServer.reset();
     EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(2));
 }
 
 TEST_F(HttpServerTest, ClientThatNeverReadsHoldsOthersUpForItsTimeOutOnly) {
-    TestClient client(Port(), 20000);
-    client.Send(TestClient::Request("", "/flood"));
+    TestClient client(Port());
+    client.Send(TestClient::Request("", "/flood?1000"));
     fHandler->WaitForCall();
-    TestClient other(Port(), 20000);
+    TestClient other(Port());
     EXPECT_EQ(bytes_of(other.Post("later")), echo_reply("/||later"));
 }
 
@@ -181,10 +156,9 @@ TEST_F(HttpServerTest, FullDescriptorTableNeitherSpinsNorEndsService) {
     EXPECT_TRUE(served.Post("before"));
     TestClient waiting(300);
     {
-        ScopedFileLimit limit;
-        const int lowestFree = open_null();
+        const int lowestFree = dup(STDOUT_FILENO);
         close(lowestFree);
-        limit.Set(lowestFree);
+        const ScopedFileLimit limit(lowestFree);
         ASSERT_TRUE(waiting.Connect(Port()));
         waiting.Send(TestClient::Request("queued"));
         EXPECT_EQ(bytes_of(served.Post("meanwhile")), echo_reply("/||meanwhile"));
@@ -199,14 +173,11 @@ TEST_F(HttpServerTest, FullDescriptorTableNeitherSpinsNorEndsService) {
 TEST_F(HttpServerTest, ClosesConnectionsWhoseDescriptorFitsNoSet) {
     TestClient served(Port());
     EXPECT_TRUE(served.Post("before"));
-    ScopedFileLimit limit;
-    if (limit.Max() < 1100)
-        GTEST_SKIP() << "this machine allows too few open files";
-    limit.Set(limit.Max());
+    const ScopedFileLimit limit(4096);
     std::vector<int> fillers;
-    while (fillers.empty() || fillers.back() < FD_SETSIZE)
-        fillers.push_back(open_null());
-
+    while (fillers.empty() || (fillers.back() >= 0 && fillers.back() < FD_SETSIZE))
+        fillers.push_back(dup(STDOUT_FILENO));
+    ASSERT_GE(fillers.back(), FD_SETSIZE) << "this machine allows too few open files";
     for (int i = 0; i < 3; ++i) {
         TestClient excess(Port());
         EXPECT_TRUE(excess.IsConnected());
@@ -222,20 +193,12 @@ TEST_F(HttpServerTest, ClosesConnectionsWhoseDescriptorFitsNoSet) {
 TEST(HttpServerStartTest, TellsWhyItCannotListen) {
     cHttpServer first(0, kReadSize, "127.0.0.1");
     ASSERT_EQ(first.WaitUntilListening(), 0);
-    EXPECT_TRUE(first.ListenFailure().empty());
     cHttpServer second(first.Port(), kReadSize);
     EXPECT_EQ(second.WaitUntilListening(), zSocket::kAddressInUse);
     EXPECT_EQ(second.ListenFailure(), "Address already in use");
-    EXPECT_EQ(second.Port(), 0);
     cHttpServer nowhere(0, kReadSize, "256.0.0.1");
     EXPECT_EQ(nowhere.WaitUntilListening(), zSocket::kUnknownHost);
     EXPECT_FALSE(nowhere.ListenFailure().empty());
-
-    ScopedFileLimit limit;
-    limit.Set(0);
-    cHttpServer full(0, kReadSize);
-    EXPECT_EQ(full.WaitUntilListening(), zSocket::kOtherError);
-    EXPECT_EQ(full.ListenFailure(), "Too many open files");
 }
 
 TEST(HttpServerStartTest, StopBeforeTheThreadIsUpIsNotLost) {

@@ -33,8 +33,13 @@ std::string write_message(zRecord& record, const std::vector<std::string>& data)
     return message;
 }
 
-int parse(cMultipartReader& reader, const std::string& message) {
-    return reader.Parse_WithHeaders(message.data(), static_cast<int>(message.size()));
+std::string two_sections() {
+    zRecord record;
+    cMultipartRecord message(record);
+    message.AddSection(5, nullptr);
+    message.AddSection(3, "image/jpg");
+    message.AddSectionHeader(1, "Content-ID", "<id>");
+    return write_message(record, {"<xml>", "jpg"});
 }
 
 std::string section_data(cMultipartReader& reader, const Section& section, const std::string& message) {
@@ -46,32 +51,24 @@ std::string section_data(cMultipartReader& reader, const Section& section, const
 }
 
 TEST(MultipartTest, WritesTheMessageByteForByte) {
-    zRecord record;
-    cMultipartRecord message(record);
-    EXPECT_EQ(message.AddSection(5, "text/xml; charset=UTF-8"), 0);
-    EXPECT_EQ(message.AddSection(3, "image/jpg"), 1);
-    message.AddSectionHeader(1, "Content-ID", "<id>");
-    message.AddSectionHeader(2, "Content-ID", "<none>");
-    EXPECT_EQ(write_message(record, {"<xml>", "jpg"}),
+    EXPECT_EQ(two_sections(),
               "MIME-Version: 1.0\r\n"
               "Content-Type: multipart/related;boundary=MimeBoundary_8923gr836bidfb3i\r\n"
-              "Content-Length: 197\r\n\r\n"
-              "--MimeBoundary_8923gr836bidfb3i\r\nContent-Type: text/xml; charset=UTF-8\r\n\r\n<xml>\r\n"
+              "Content-Length: 158\r\n\r\n"
+              "--MimeBoundary_8923gr836bidfb3i\r\n\r\n<xml>\r\n"
               "--MimeBoundary_8923gr836bidfb3i\r\nContent-Type: image/jpg\r\nContent-ID: <id>\r\n\r\njpg\r\n"
               "--MimeBoundary_8923gr836bidfb3i--");
-    zString text;
-    EXPECT_STREQ(cMultipartWriter(record).GetSectionHeader(text, 7),
-                 "--MimeBoundary_8923gr836bidfb3i\r\n\r\n");
 }
 
 TEST(MultipartTest, RoundTripKeepsEverySection) {
     for (unsigned int seed = 1; seed <= 60; ++seed) {
+        SCOPED_TRACE(seed);
         std::mt19937 random(seed);
         zRecord sent;
         cMultipartRecord message(sent);
         if (seed % 3 == 0)
             sent.SetCString("__quillon_mime_boundry", "--b=?'", 0);
-        std::vector<std::string> data(random() % 6);
+        std::vector<std::string> data(1 + random() % 5);
         for (size_t i = 0; i < data.size(); ++i) {
             data[i].resize(random() % 3000);
             // Few letters, so that beginnings of the boundary are frequent.
@@ -85,42 +82,36 @@ TEST(MultipartTest, RoundTripKeepsEverySection) {
 
         zRecord received;
         cMultipartReader reader(received);
-        // The reader takes its first section on trust, so that only a message without any is refused.
-        ASSERT_EQ(parse(reader, bytes), data.empty() ? -1 : 0) << seed;
-        if (data.empty())
-            continue;
-        ASSERT_EQ(received.ChildCount(), static_cast<int>(data.size())) << seed;
+        ASSERT_EQ(reader.Parse_WithHeaders(bytes.data(), static_cast<int>(bytes.size())), 0);
+        ASSERT_EQ(received.ChildCount(), static_cast<int>(data.size()));
         for (int i = 0; i < received.ChildCount(); ++i) {
-            Section from;
-            Section to;
+            Section from, to;
             message.GetSection(from, i);
             cMultipartRecord(received).GetSection(to, i);
-            EXPECT_EQ(section_data(reader, to, bytes), data[static_cast<size_t>(i)]) << seed;
-            ASSERT_EQ(to.HeaderCount(), from.HeaderCount()) << seed;
+            EXPECT_EQ(section_data(reader, to, bytes), data[static_cast<size_t>(i)]);
+            ASSERT_EQ(to.HeaderCount(), from.HeaderCount());
             zString name, value;
             for (int header = 0; from.HeaderByIndex(header, name, value) == 0; ++header)
-                EXPECT_STREQ(to.HeaderByName(name, "missing"), value) << seed;
+                EXPECT_STREQ(to.HeaderByName(name, "missing"), value);
         }
     }
 }
 
-TEST(MultipartTest, ReaderRefusesMessagesCutShortAndSurvivesAnyBytes) {
-    zRecord sent;
-    cMultipartRecord message(sent);
-    message.AddSection(3, "a/b");
-    message.AddSection(4, nullptr);
-    const std::string bytes = write_message(sent, {"abc", "defg"});
+TEST(MultipartTest, AMessageCutShortIsRefusedUnlessItEndsOneByteBehindADelimiter) {
+    const std::string bytes = two_sections();
     for (size_t size = 0; size < bytes.size(); ++size) {
         const std::vector<char> cut(bytes.begin(),
                                     bytes.begin() + static_cast<long>(size)); // Exact, for ASan.
         zRecord record;
         const int result = cMultipartReader(record).Parse_WithHeaders(cut.data(), static_cast<int>(size));
-        // Deliberate: a message may end one byte behind any delimiter.
-        const std::string delimiter = "\r\n--MimeBoundary_8923gr836bidfb3i";
-        const bool ended = size > delimiter.size() &&
-                           bytes.compare(size - 1 - delimiter.size(), delimiter.size(), delimiter) == 0;
+        const bool ended =
+            size > 0 && bytes.substr(0, size - 1).ends_with("\r\n--MimeBoundary_8923gr836bidfb3i");
         EXPECT_EQ(result, ended ? 0 : -1) << size;
     }
+}
+
+TEST(MultipartTest, ReaderSurvivesAnyBytes) {
+    const std::string bytes = two_sections();
     std::mt19937 random(7);
     for (int i = 0; i < 3000; ++i) {
         std::vector<char> hostile(bytes.begin(), bytes.end());
@@ -133,11 +124,10 @@ TEST(MultipartTest, ReaderRefusesMessagesCutShortAndSurvivesAnyBytes) {
         reader.Parse_WithHeaders(hostile.data(), size);
         Section section;
         for (int index = 0; cMultipartRecord(record).GetSection(section, index) == 0; ++index) {
-            const char* data = nullptr;
+            const char* data = hostile.data();
             int length = 0;
-            if (reader.GetSectionData(section, hostile.data(), size, &data, &length) == 0) {
-                EXPECT_LE(data + length, hostile.data() + size);
-            }
+            reader.GetSectionData(section, hostile.data(), size, &data, &length);
+            EXPECT_LE(data + length, hostile.data() + size);
         }
     }
 }
@@ -151,8 +141,6 @@ TEST(MultipartTest, ReaderRefusesAbsurdArgumentsAndOffsets) {
     Section section;
     ASSERT_EQ(cMultipartRecord(record).GetSection(section, 0), 0);
     EXPECT_EQ(section_data(reader, section, body), "data");
-    EXPECT_STREQ(section.HeaderByName("X", ""), "y");
-
     const char* data = body.data();
     int length = 99;
     EXPECT_EQ(reader.GetSectionData(section, body.data(), size - 1, &data, &length), -1);
@@ -165,46 +153,8 @@ TEST(MultipartTest, ReaderRefusesAbsurdArgumentsAndOffsets) {
     }
     for (const int offset : {-1, size - 3, size, INT_MAX})
         EXPECT_EQ(reader.Parse_BodyOnly(body.data(), size, "B", 1, offset), -1) << offset;
-    EXPECT_EQ(reader.Parse_BodyOnly(body.data(), size, "B", INT_MAX, 0), -1);
-    EXPECT_EQ(reader.Parse_BodyOnly(nullptr, size, "B", 1, 0), -1);
-    EXPECT_EQ(reader.Parse_BodyOnly(body.data(), size, "", 0, 0), -1);
-}
-
-TEST(MultipartTest, ReadsEdgesOfMessagesAsDocumented) {
-    const auto body_only = [](const std::string& body) {
-        zRecord record;
-        const int result =
-            cMultipartReader(record).Parse_BodyOnly(body.data(), static_cast<int>(body.size()), "B", 1, 0);
-        return std::pair(result, record.ChildCount());
-    };
-    EXPECT_EQ(body_only("--B--"), std::pair(0, 0)) << "no sections";
-    EXPECT_EQ(body_only("--Bx"), std::pair(0, 0)) << "one byte behind a delimiter";
-    EXPECT_EQ(body_only("--B\r\n\r\n\r\n--B"), std::pair(-1, 1)) << "no closing dashes";
-    EXPECT_EQ(body_only("--B\r\n\r\n\r\n--B-"), std::pair(0, 1));
-    EXPECT_EQ(body_only("--B\r\n\r\n\r\n--B\r\n"), std::pair(-1, 1));
-    EXPECT_EQ(body_only("--B\r\n"), std::pair(-1, 0));
-}
-
-TEST(MultipartTest, FindsSectionsAndTheirHeaders) {
-    zRecord record;
-    cMultipartRecord message(record);
-    message.AddSection(1, "a/b");
-    message.AddSection(2, nullptr);
-    message.AddSectionHeader(1, "Content-ID", "<two>");
-    Section section;
-    EXPECT_EQ(message.FindSectionBySectionHeaderValue(section, "Content-ID", "<two>"), 0);
-    EXPECT_EQ(section.GetDataSize(), 2);
-    EXPECT_EQ(section.HeaderCount(), 1);
-    int name = 0;
-    EXPECT_EQ(section.HeaderSizeByIndex(0, &name, nullptr), 0);
-    EXPECT_EQ(name, 10);
-    EXPECT_EQ(section.HeaderSizeByIndex(1, &name, nullptr), -1);
-    EXPECT_EQ(message.FindSectionBySectionHeaderValue(section, "Content-ID", "<TWO>"), -1);
-    EXPECT_EQ(section.HeaderCount(), -1) << "a search that fails leaves an empty section";
-    EXPECT_EQ(section.AddHeader("a", "b"), -1);
-    EXPECT_EQ(section.GetDataSize(), 0);
-    EXPECT_STREQ(section.HeaderByName("a", "missing"), "missing");
-    EXPECT_EQ(message.GetSection(section, -1), -1);
+    for (const int boundarySize : {0, INT_MAX})
+        EXPECT_EQ(reader.Parse_BodyOnly(body.data(), size, "B", boundarySize, 0), -1);
 }
 
 TEST(HeaderTest, ParsesBlocksLineByLine) {
@@ -229,57 +179,39 @@ TEST(HeaderTest, ParsesBlocksLineByLine) {
 }
 
 TEST(HeaderTest, FindsEntriesByWholeNameIgnoringCase) {
-    const struct {
-        const char *text, *name, *value; // A null value: not found.
-    } cases[] = {
-        {"multipart/related;boundary=b", "Boundary", "b"},
-        {"a ; \t x = 1 2 \r\n; BOUNDARY = \"q\" ;", "boundary", "\"q\""},
-        {"bound=1; boundaryx=2", "boundary", nullptr},
-        {"boundary", "boundary", nullptr},
-        {"=v", "", nullptr},
-        {"x=a=b", "x", "a=b"},
-        {"x=;y", "x", ""},
-        {"", "x", nullptr},
-    };
-    for (const auto& [text, name, expected] : cases) {
+    const auto entry = [](const char* text, const char* name) {
         const char* value = nullptr;
         int length = 0;
         const int result = cUtils::HeaderEntry_FindByName(text, name, &value, &length);
-        EXPECT_EQ(result, expected == nullptr ? -1 : 0) << text;
-        if (expected != nullptr) {
-            EXPECT_EQ(std::string(value, static_cast<size_t>(length)), expected) << text;
-        }
-    }
-}
-
-TEST(HeaderTest, MakesContentIds) {
-    zString text;
-    cUtils::XOP_MakeReference(text, "id_1");
-    EXPECT_STREQ(text, "cid:id_1");
-    cUtils::XOP_MakeContentIDHeaderString(text, "id_1");
-    EXPECT_STREQ(text, "<id_1>");
+        return result == 0 ? std::string(value, static_cast<size_t>(length)) : "missing";
+    };
+    EXPECT_EQ(entry("multipart/related;boundary=b", "Boundary"), "b");
+    EXPECT_EQ(entry("a ; \t x = 1 2 \r\n; BOUNDARY = \"q\" ;", "boundary"), "\"q\"");
+    EXPECT_EQ(entry("bound=1; boundaryx=2", "boundary"), "missing");
+    EXPECT_EQ(entry("boundary", "boundary"), "missing");
+    EXPECT_EQ(entry("=v", ""), "missing");
+    EXPECT_EQ(entry("x=a=b", "x"), "a=b");
+    EXPECT_EQ(entry("x=;y", "x"), "");
 }
 
 TEST(BoyerMooreTest, FindsWhatAPlainSearchFinds) {
     std::mt19937 random(3);
+    const auto text_of = [&](size_t size) {
+        std::string text(size, 0);
+        std::generate(text.begin(), text.end(), [&] { return "ab\xFF"[random() % 3]; });
+        return text;
+    };
     for (int i = 0; i < 3000; ++i) {
-        std::string text(random() % 60, 0);
-        std::string pattern(1 + random() % 5, 0);
-        for (char& c : text)
-            c = "ab\xFF"[random() % 3];
-        for (char& c : pattern)
-            c = "ab\xFF"[random() % 3];
+        const std::string text = text_of(random() % 60);
+        const std::string pattern = text_of(1 + random() % 5);
         const cBoyerMoore search(pattern.data(), static_cast<int>(pattern.size()));
         const size_t found = text.find(pattern);
         EXPECT_EQ(search.FindIn(text.data(), static_cast<int>(text.size())),
                   found == std::string::npos ? -1 : static_cast<int>(found));
     }
     const std::string longest(256, 'x');
-    EXPECT_EQ(cBoyerMoore(longest.data(), 255).FindIn(longest.data(), 256), 0);
-    EXPECT_EQ(cBoyerMoore(longest.data(), 256).FindIn(longest.data(), 256), -1);
-    EXPECT_EQ(cBoyerMoore("", 0).FindIn("x", 1), -1);
-    EXPECT_EQ(cBoyerMoore(nullptr, 1).FindIn("x", 1), -1);
-    EXPECT_EQ(cBoyerMoore("x", 1).FindIn(nullptr, 1), -1);
+    for (const auto& [size, found] : {std::pair{255, 0}, {256, -1}, {0, -1}})
+        EXPECT_EQ(cBoyerMoore(longest.data(), size).FindIn(longest.data(), 256), found) << size;
 }
 
 } // namespace
