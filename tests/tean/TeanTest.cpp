@@ -41,16 +41,12 @@ TEST(Tean, ATailIsCoveredByEncipheringTheLastEightBytesAgain) {
     EXPECT_NE(secret.substr(8), "89");
 }
 
-TEST(Tean, ShortTextsDoNotDependOnTheKeyAndLongOnesDo) {
-    EXPECT_EQ(encoded("1234567", zTeanKey("x")), encoded("1234567", zTeanKey("y")));
-    EXPECT_NE(encoded("12345678", zTeanKey("x")), encoded("12345678", zTeanKey("y")));
-}
-
 TEST(Tean, SixteenCharactersOfTheKeyCount) {
-    EXPECT_EQ(encoded("12345678", zTeanKey("0123456789abcdefXYZ")),
-              encoded("12345678", zTeanKey("0123456789abcdef")));
-    EXPECT_NE(encoded("12345678", zTeanKey("0123456789abcde")),
-              encoded("12345678", zTeanKey("0123456789abcdef")));
+    const zTeanKey key("0123456789abcdef");
+    EXPECT_EQ(encoded("12345678", zTeanKey("0123456789abcdefXYZ")), encoded("12345678", key));
+    EXPECT_NE(encoded("12345678", zTeanKey("0123456789abcde")), encoded("12345678", key));
+    EXPECT_EQ(encoded("1234567", zTeanKey("x")), encoded("1234567", key))
+        << "short texts do not depend on it";
     EXPECT_EQ(encoded("12345678", zTeanKey(nullptr)), encoded("12345678", zTeanKey()));
 }
 
