@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <set>
 #include <string>
 #include <thread>
@@ -88,6 +87,9 @@ TEST(IDGenerator, UuidsHaveTheirFormAndDiffer) {
     zIDGenerator::GenerateUUID(uuid);
     zIDGenerator::GenerateUUID(another);
     EXPECT_STRNE(uuid, another);
-    const std::regex form("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}");
-    EXPECT_TRUE(std::regex_match(static_cast<const char*>(uuid), form)) << uuid;
+    const std::string text(uuid);
+    ASSERT_EQ(text.size(), 36U);
+    EXPECT_EQ(text.find_first_not_of("0123456789ABCDEF-"), std::string::npos) << text;
+    EXPECT_EQ(text[14], '4') << text;
+    EXPECT_NE(std::string("89AB").find(text[19]), std::string::npos) << text;
 }
