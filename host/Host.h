@@ -31,6 +31,10 @@ class Host {
     /// cached.
     virtual uint32_t SystemVersion() const { return 0x1080; }
 
+    /// Ends every wait for the machine, for good: whatever is asked of it from here on fails. Called when the
+    /// program ends, so that a machine which hangs can't hold it up. Any thread.
+    virtual void LetGo() {}
+
     virtual Displays& DisplaysPort() = 0;
     virtual Pointer& PointerPort() = 0;
     virtual Clock& ClockPort() = 0;

@@ -63,7 +63,9 @@ int serve(const Options& options) {
         return 1;
     }
     announce(options, server);
-    host::Host::Current().RunLoopPort().Run();
+    host::Host& machine = host::Host::Current();
+    machine.RunLoopPort().Run();
+    machine.LetGo();
     return 0;
 }
 

@@ -114,6 +114,10 @@ X11Connection::~X11Connection() {
     xcb_disconnect(fXcb);
 }
 
+void X11Connection::Abort() const {
+    shutdown(xcb_get_file_descriptor(fXcb), SHUT_RDWR);
+}
+
 void X11Connection::DropEvents() const {
     while (X11Reply<xcb_generic_event_t>(xcb_poll_for_queued_event(fXcb)))
         ;

@@ -25,6 +25,9 @@ class X11Connection {
     X11Connection(const X11Connection&) = delete;
     X11Connection& operator=(const X11Connection&) = delete;
 
+    /// Ends all requests, those that are waiting for their reply too, as if the server had gone. Any thread.
+    void Abort() const;
+
     xcb_connection_t* Xcb() const { return fXcb; }
     uint32_t Root() const { return fRoot; }
     int Depth() const { return fDepth; }

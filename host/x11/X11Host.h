@@ -19,6 +19,7 @@ class X11Host : public PosixHost {
                                          X11Transport transport = X11Transport::kSharedMemory);
 
     const char* Name() const override { return "x11"; }
+    void LetGo() override { fConnection->Abort(); }
     Displays& DisplaysPort() override { return fDisplays; }
     Pointer& PointerPort() override { return fPointer; }
     WindowServer& WindowServerPort() override { return fWindowServer; }

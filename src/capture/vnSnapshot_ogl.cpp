@@ -11,6 +11,10 @@ namespace {
 
 constexpr int kBytesPerPixel = 4;
 
+/// Nobody points with more; it keeps the sizes of shapes, which any program sets, far from the limits of an
+/// int.
+constexpr int kMaxCursorExtent = 4096;
+
 /// Copies rows of \p rowBytes so that the first becomes the last, growing \p image where it is too small.
 int copy_rows_reversed(zBuffer& image, const uint8_t* pixels, int rowBytes, int height) {
     const auto size = static_cast<unsigned int>(rowBytes * height);
@@ -161,6 +165,8 @@ int vnSnapshot_ogl::fetch_cursor(zRect& rect, zBuffer& image, int& rowBytes, int
     host::Point location;
     host::PointerPicture picture;
     if (pointer.Location(location) != 0 || pointer.Picture(picture) != 0)
+        return -1;
+    if (picture.width > kMaxCursorExtent || picture.height > kMaxCursorExtent)
         return -1;
 
     const int bytes = picture.width * kBytesPerPixel;

@@ -46,8 +46,14 @@ XServer::~XServer() {
     if (!Running())
         return;
     kill(fProcess, SIGTERM);
+    kill(fProcess, SIGCONT);
     if (!await_end())
         Kill();
+}
+
+void XServer::Freeze() {
+    if (Running())
+        kill(fProcess, SIGSTOP);
 }
 
 void XServer::Kill() {

@@ -23,6 +23,9 @@ class XServer {
     /// The display's name, as in ":5".
     const std::string& Display() const { return fDisplay; }
 
+    /// Lets the server hang: connections stay, and nothing is answered any more.
+    void Freeze();
+
     /// Ends the server without a warning, as a crash would.
     void Kill();
 

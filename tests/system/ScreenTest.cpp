@@ -275,4 +275,16 @@ TEST_F(ScreenTest, OutlivesItsXServer) {
     EXPECT_EQ(daemon->Process().WaitForExit(), 0);
 }
 
+TEST_F(ScreenTest, EndsWithinTwoSecondsThoughItsXServerHangs) {
+    NEED_SCREEN(kWidth, kHeight);
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    ASSERT_TRUE(client->Call("Snapshot"));
+    server->Freeze();
+    client->SetReceiveTimeout(300);
+    client->Call("Snapshot");
+    client->Call("Snapshot");
+    daemon->Process().Signal(SIGTERM);
+    EXPECT_EQ(daemon->Process().WaitForExit(std::chrono::seconds(2)), 0);
+}
+
 } // namespace
