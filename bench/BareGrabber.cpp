@@ -38,12 +38,12 @@ BareLoop::~BareLoop() {
 BareLoop::Times BareLoop::Run() {
     Times times;
     auto mark = std::chrono::steady_clock::now();
-    const uint8_t* pixels = fSource();
+    const BarePixels pixels = fSource();
     times.grab = milliseconds_since(mark);
     const size_t rowBytes = static_cast<size_t>(fWidth) * kBytesPerPixel;
     for (int y = 0; y < fHeight; ++y)
         memcpy(fFlipped.data() + static_cast<size_t>(fHeight - 1 - y) * rowBytes,
-               pixels + static_cast<size_t>(y) * rowBytes, rowBytes);
+               pixels.first + static_cast<ptrdiff_t>(y) * pixels.rowBytes, rowBytes);
     times.flip = milliseconds_since(mark);
     fJpegSize = tjBufSize(fWidth, fHeight, fSubsampling);
     tjCompress2(fCompressor, fFlipped.data(), fWidth, 0, fHeight, TJPF_BGRX, &fJpeg, &fJpegSize, fSubsampling,
@@ -75,10 +75,10 @@ BareX11::~BareX11() {
     shmdt(fPixels);
 }
 
-const uint8_t* BareX11::Grab() {
+BarePixels BareX11::Grab() {
     const auto cookie =
         xcb_shm_get_image(fConnection, fRoot, 0, 0, static_cast<uint16_t>(fWidth),
                           static_cast<uint16_t>(fHeight), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, fSegment, 0);
     free(xcb_shm_get_image_reply(fConnection, cookie, nullptr));
-    return fPixels;
+    return {fPixels, fWidth * kBytesPerPixel};
 }

@@ -8,8 +8,14 @@
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
 
-/// Where a bare loop takes its pixels from: rows of width * 4 bytes, top row first.
-using BareSource = std::function<const uint8_t*()>;
+/// Rows of 32-bit pixels, top row first.
+struct BarePixels {
+    const uint8_t* first;
+    int rowBytes;
+};
+
+/// Where a bare loop takes its pixels from.
+using BareSource = std::function<BarePixels()>;
 
 /// The least that a picture costs on this machine: grab, flip, encode, with nothing around them. What the
 /// server is measured against.
@@ -51,7 +57,7 @@ class BareX11 {
     BareX11(const BareX11&) = delete;
     BareX11& operator=(const BareX11&) = delete;
 
-    const uint8_t* Grab();
+    BarePixels Grab();
     int Width() const { return fWidth; }
     int Height() const { return fHeight; }
 

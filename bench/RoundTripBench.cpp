@@ -174,7 +174,7 @@ int run_builtin() {
         [&displays, bounds] {
             host::Image image;
             displays.Picture(bounds, image);
-            return image.pixels;
+            return BarePixels{image.pixels, image.rowBytes};
         },
         width, height, kJpegQuality, kSubsampling);
     measure("Built-in card", bare, width, height);
