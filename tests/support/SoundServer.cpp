@@ -3,6 +3,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <fstream>
 #include <poll.h>
 
 namespace {
@@ -27,6 +28,11 @@ SoundServer::SoundServer() {
     for (const char* name : {"XDG_RUNTIME_DIR", "XDG_STATE_HOME", "XDG_CONFIG_HOME", "HOME"})
         setenv(name, folder.c_str(), 1);
     setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + folder + "/bus").c_str(), 1);
+    // Wireless headsets would have the session manager ask for logins, and give up where nobody keeps any: in
+    // a container. An empty file of this name stands before the system's.
+    const std::filesystem::path bluetooth = fFolder / "wireplumber" / "bluetooth.lua.d";
+    std::filesystem::create_directories(bluetooth);
+    std::ofstream(bluetooth / "90-enable-all.lua").flush();
 }
 
 SoundServer::~SoundServer() {
