@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <map>
-#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -38,10 +37,18 @@ Texts Read(const std::string& code) {
     return texts;
 }
 
-/// Everything in a text that a program replaces, in order.
-std::vector<std::string> Placeholders(const std::string& text) {
-    static const std::regex kPlaceholder("%[-+ #0-9.]*[a-zA-Z@]+|#[A-Z_]+#");
-    return {std::sregex_token_iterator(text.begin(), text.end(), kPlaceholder), {}};
+/// Everything in a text that a program replaces, in order, a line each: "%" to its conversion, "#NAME#".
+std::string Placeholders(const std::string& text) {
+    std::string found;
+    for (size_t at = text.find_first_of("%#"); at != std::string::npos; at = text.find_first_of("%#", at + 1)) {
+        const bool isName = text[at] == '#';
+        const size_t end = isName ? text.find('#', at + 1) : text.find_first_not_of("-+ #0123456789.", at + 1);
+        if (end == std::string::npos)
+            break;
+        found.append(text, at, end + 1 - at).append("\n");
+        at = end;
+    }
+    return found;
 }
 
 std::set<std::string> Keys(const Texts& texts) {

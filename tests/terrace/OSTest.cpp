@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <regex>
 #include <string>
 
 #include <sys/stat.h>
@@ -89,10 +88,9 @@ TEST(OS, DescribesItself) {
     zString text("left alone");
     EXPECT_STREQ(zOS::ErrorAsString(-43, text), "left alone");
     zOS::GetDetailedOSVersion(text);
-    EXPECT_TRUE(std::regex_match(
-        std::string(text), std::regex("MacOS 0x1080 with \\d+ CPUs \\(QuickTime 0x0\\)\\.  "
-                                      "(No Vector Unit\\.|Vector Caps:( MMX)?( SSE)?( SSE2)?( Altivec)?)\n")))
-        << text;
+    EXPECT_THAT(std::string(text),
+                testing::MatchesRegex("MacOS 0x1080 with [0-9]+ CPUs \\(QuickTime 0x0\\)\\.  "
+                                      "(No Vector Unit\\.|Vector Caps:( MMX)?( SSE)?( SSE2)?( Altivec)?)\n"));
 }
 
 TEST(Crash, TheHookIsToldAndTheProcessDiesOfTheSignal) {

@@ -46,7 +46,7 @@ TEST(Time, TheClockIsTheHosts) {
     const auto before = std::chrono::steady_clock::now();
     for (const long long past : {5'000'000'000LL, 0LL, -1LL})
         zThread::MicroSleepUntil(past);
-    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(1));
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(15));
     zThread::MicroSleepUntil(5'000'020'000);
     EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(20));
 }
