@@ -40,9 +40,11 @@ Texts Read(const std::string& code) {
 /// Everything in a text that a program replaces, in order, a line each: "%" to its conversion, "#NAME#".
 std::string Placeholders(const std::string& text) {
     std::string found;
-    for (size_t at = text.find_first_of("%#"); at != std::string::npos; at = text.find_first_of("%#", at + 1)) {
+    for (size_t at = text.find_first_of("%#"); at != std::string::npos;
+         at = text.find_first_of("%#", at + 1)) {
         const bool isName = text[at] == '#';
-        const size_t end = isName ? text.find('#', at + 1) : text.find_first_not_of("-+ #0123456789.", at + 1);
+        const size_t end =
+            isName ? text.find('#', at + 1) : text.find_first_not_of("-+ #0123456789.", at + 1);
         if (end == std::string::npos)
             break;
         found.append(text, at, end + 1 - at).append("\n");

@@ -81,7 +81,8 @@ TEST_F(Trace, LinesCarryThreadAndIndent) {
     EXPECT_EQ(zTrace::SetGlobalOptions(0), zTrace::kThreadPrefix);
     trace.TraceNote("all bare\n");
     EXPECT_EQ(zTrace::SetGlobalOptions(zTrace::kThreadPrefix), 0u);
-    EXPECT_THAT(Text(), testing::MatchesRegex("   1: one 1\n   1:     two\nbare\n *[0-9]+: other\nall bare\n"));
+    EXPECT_THAT(Text(),
+                testing::MatchesRegex("   1: one 1\n   1:     two\nbare\n *[0-9]+: other\nall bare\n"));
 }
 
 TEST_F(Trace, RunsFollowEachOther) {
