@@ -61,10 +61,16 @@ class zList {
         return entry ? entry->value : fZero;
     }
 
-    /// Null when the index is out of range.
+    /// Null when the index is out of range. Walks from the nearer end.
     zListEntry<T>* EntryAt(unsigned int index) const {
         if (index >= fCount)
             return nullptr;
+        if (index > fCount / 2) {
+            zListEntry<T>* entry = fTail;
+            while (++index < fCount)
+                entry = entry->fPrevious;
+            return entry;
+        }
         zListEntry<T>* entry = fHead;
         while (index-- > 0)
             entry = entry->fNext;

@@ -91,6 +91,30 @@ class zOki_idt_keyval : public zOki_idt<T, K> {
     bool SupportsPartialKey() override { return true; }
 };
 
+/// The observers of single variables of a table's records, in the order of record, variable and observer. A
+/// partial key, in any mode but 0, is record and variable.
+class zRecordIDVarIDObserverOki : public zOki {
+  public:
+    struct Entry {
+        int record;
+        unsigned int variable;
+        int observer;
+    };
+
+    int Compare(const void* a, const void* b, int mode) override {
+        const auto one = ReadField<Entry>(a);
+        const auto other = ReadField<Entry>(b);
+        if (one.record != other.record)
+            return Order(one.record, other.record);
+        if (one.variable != other.variable)
+            return Order(one.variable, other.variable);
+        return mode != 0 ? 0 : Order(one.observer, other.observer);
+    }
+    bool SupportsPartialKey() override { return true; }
+    bool IsStaticSize() override { return true; }
+    unsigned int EntrySize([[maybe_unused]] const void* entry) override { return sizeof(Entry); }
+};
+
 /// The entries of zStringID: an id and its text, in the order of one of the two.
 class zStringID_zOki : public zOki {
   public:

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <utility>
 
 #include "zRect.h"
+#include "zTable.h"
 
 zRecord::zRecord(const char* xmlTag) {
     SetCString(kXMLTag, xmlTag);
@@ -16,9 +18,17 @@ zRecord::zRecord(const zRecord& other) {
 
 zRecord::~zRecord() {
     RemoveAndDeleteAllChildren();
+    delete fPending;
     // The registered variables are members of a subclass, whose part is gone by now: they must not be
     // touched.
     delete_variables_from(fRegisteredCount);
+}
+
+void zRecord::Init() {
+    fParent = nullptr;
+    fTable = nullptr;
+    delete std::exchange(fPending, nullptr);
+    fSuspendCount = 0;
 }
 
 // ---- Copies ----
@@ -37,7 +47,7 @@ void zRecord::Copy(const zRecord& other, bool withChildren, bool withID) {
 }
 
 void zRecord::copy_record_not_children(const zRecord& other, bool withID) {
-    if (withID)
+    if (withID && fTable == nullptr)
         fID = other.fID;
     RemoveAndDeleteAllChildren();
     if ((fRegisteredCount == 0 && other.fRegisteredCount == 0) || fRegisteredID == other.fRegisteredID)
@@ -82,25 +92,37 @@ int zRecord::AddChild(zRecord* child, int index) {
     else
         fChildren.AddAtIndex(static_cast<unsigned int>(index), child);
     ++fChildCount;
+    if (fTable != nullptr)
+        child->recurse_add_child(fTable);
     return child->fID;
 }
 
-/// Unlinks a child and returns it; null for a null entry.
-zRecord* zRecord::take_out(zListEntry<zRecord*>* entry) {
+/// Enters the table, children first. Where the id is taken the record stays free, as if it had no table.
+void zRecord::recurse_add_child(zTable* table) {
+    fTable = table;
+    for (zRecord* child : fChildren)
+        child->recurse_add_child(table);
+    if (table->add_record_to_table(this) == 0)
+        fTable = nullptr;
+}
+
+zRecord* zRecord::RemoveChild(unsigned int index) {
+    zListEntry<zRecord*>* entry = fChildren.EntryAt(index);
     if (entry == nullptr)
         return nullptr;
-    zRecord* child = fChildren.RemoveEntry(entry);
+    zRecord* child = entry->value;
+    // It leaves the table first, so that undo learns its place. It may be in one when this record is not: see
+    // recurse_add_child.
+    if (zTable* table = fTable != nullptr ? fTable : child->fTable)
+        table->remove_record_from_table(child);
+    fChildren.RemoveEntry(entry);
     child->fParent = nullptr;
     --fChildCount;
     return child;
 }
 
-zRecord* zRecord::RemoveChild(unsigned int index) {
-    return take_out(fChildren.EntryAt(index));
-}
-
 zRecord* zRecord::RemoveChildPtr(zRecord* child) {
-    return take_out(fChildren.EntryOf(child));
+    return RemoveChild(static_cast<unsigned int>(FindIndexOfChild(child)));
 }
 
 void zRecord::RemoveAndDeleteAllChildren() {
@@ -113,11 +135,15 @@ zRecord* zRecord::Child(unsigned int index) const {
 }
 
 int zRecord::FindIndexOfChild(const zRecord* child) const {
-    int index = 0;
-    for (const zRecord* candidate : fChildren) {
-        if (candidate == child)
-            return index;
-        ++index;
+    const zListEntry<zRecord*>* front = fChildren.First();
+    const zListEntry<zRecord*>* back = fChildren.Last();
+    for (int low = 0, high = fChildCount - 1; low <= high; ++low, --high) {
+        if (front->value == child)
+            return low;
+        if (back->value == child)
+            return high;
+        front = front->Next();
+        back = back->Previous();
     }
     return -1;
 }

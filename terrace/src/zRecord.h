@@ -6,6 +6,8 @@
 #include "zStringID.h"
 #include "zVariable.h"
 
+class zTable;
+
 /// How a call names a variable: by its id, or by a name, which zStringID turns into one. A name not seen
 /// before gets an id, in reading calls too.
 class zVariableKey {
@@ -25,9 +27,10 @@ enum z_match_method : int { kMatch_Exact = 1, kMatch_Contains = 2, kMatch_ExactT
 
 /// The universal container: a small unordered set of variables and an ordered list of child records.
 ///
-/// Owns its variables, except the registered ones, and its children. A record is not locked: a free one
-/// belongs to one thread. Lookup is a linear scan, as records hold tens of variables. Recursive calls go as
-/// deep as the tree.
+/// Owns its variables, except the registered ones, and its children. A record is free, or it stands under the
+/// root of a zTable, which then finds it by its id, tells observers of its changes and may log them for undo.
+/// It is not locked: a free one belongs to one thread, others to whoever holds their table's lock. Lookup is
+/// a linear scan, as records hold tens of variables. Recursive calls go as deep as the tree.
 class zRecord {
   public:
     // Ids with a fixed meaning; the boot of the foundation ties them to their names.
@@ -57,11 +60,13 @@ class zRecord {
     virtual ~zRecord();
 
     /// Makes this record equal to `other`: its variables, with `withChildren` copies of its children, with
-    /// `withID` its id. This record's own children are deleted in any case. A copy of itself changes nothing.
+    /// `withID` its id, unless this record is known to a table by its own. This record's own children are
+    /// deleted in any case. A copy of itself changes nothing. Neither observers nor undo see it.
     virtual void Copy(const zRecord& other, bool withChildren, bool withID);
 
-    /// Forgets the parent, without taking this record out of the parent's list.
-    void Init() { fParent = nullptr; }
+    /// Forgets parent and table, without taking this record out of either, and what observers were to be
+    /// told.
+    void Init();
 
     // Variables. Setters add a variable that is missing and return whether anything changed, as those of
     // zVariable do.
@@ -140,7 +145,8 @@ class zRecord {
     int VariableCompare(const zRecord& other, unsigned int id) const;
     /// Renames in place. There is no check for an existing `to`, and no notification.
     void MoveVariable(zVariableKey from, zVariableKey to);
-    /// Removes without notification. A registered variable is emptied instead.
+    /// Removes without notification, but undo sees it. A registered variable is emptied instead, and keeps
+    /// its id.
     void RemoveID(unsigned int id);
     void RemoveVariable(const char* name) { RemoveID(zVariableKey(name)); }
     void RemoveXMLTag() { RemoveID(kXMLTag); }
@@ -152,10 +158,11 @@ class zRecord {
 
     // The tree. A child that is taken out belongs to the caller.
 
-    /// Takes over the child and puts it before the one at `index`, or behind the last. Returns the child's
-    /// id; 0 for null.
+    /// Takes over the child and puts it before the one at `index`, or behind the last. It enters the table of
+    /// this record with all below, the lowest first; one whose id is taken there stays out of it. Returns
+    /// the child's id, which a table gives to those that have none; 0 for null.
     int AddChild(zRecord* child, int index = kAppend);
-    /// The child taken out, or null.
+    /// The child taken out, which has left the table with all below, or null.
     zRecord* RemoveChild(unsigned int index);
     zRecord* RemoveChildPtr(zRecord* child);
     void RemoveAndDeleteAllChildren();
@@ -164,7 +171,7 @@ class zRecord {
     const zList<zRecord*>& Children() const { return fChildren; }
     int ChildCount() const { return fChildCount; }
     bool HasChildren() const { return fChildCount != 0; }
-    /// The position, or -1.
+    /// The position, or -1. Looks from both ends.
     int FindIndexOfChild(const zRecord* child) const;
     zRecord* Parent() const { return fParent; }
 
@@ -190,7 +197,21 @@ class zRecord {
     zRecord* FindChildByInt32Variable(unsigned int id, int value, bool includeSelf, unsigned int depth);
 
     int RecordID() const { return fID; }
+    /// Not for records in a table.
     void set_id(int id) { fID = id; }
+
+    // Observers. Outside of a table these come to nothing.
+
+    /// From here to the same number of calls of ResumeNotifications, changes are gathered into one message:
+    /// with the last new value and the first old one of each variable.
+    void SuspendNotifications() { ++fSuspendCount; }
+    void ResumeNotifications();
+    /// Tells those who watch `id` of a change of it, with a copy of `data` as a third child of the message.
+    /// Nothing changes here.
+    void SendNotification(unsigned int id, const zRecord& data);
+
+    /// A calling point for a debugging build; does nothing.
+    void Print(int, int) const {}
 
   protected:
     /// Called before and after every change of a variable; `changed` is the setter's result, false
@@ -198,20 +219,26 @@ class zRecord {
     virtual void variable_changing(unsigned int id, bool before, bool changed);
 
   private:
+    friend class zTable;
+
     template <auto kSetter, typename... Values>
     bool set_variable(unsigned int id, char notify, const Values&... values);
     template <auto kGetter, typename Default>
     Default get_variable(unsigned int id, const Default& defaultValue) const;
 
-    void begin_notify_observers(unsigned int id);
-    void end_notify_observers(unsigned int id, const zVariable* variable, bool changed, char notify);
+    bool begin_notify_observers(unsigned int id);
+    void end_notify_observers(unsigned int id, const zVariable* variable, bool changed, char notify,
+                              bool isObserved);
+    bool begin_in_table(unsigned int id);
+    zRecord* new_notification() const;
+    void remove_variable(unsigned int id);
 
     void copy_record_not_children(const zRecord& other, bool withID);
     void copy_variables_by_position(const zRecord& other);
     void copy_variables_by_id(const zRecord& other);
     void delete_variables_from(unsigned int count);
     bool matches(unsigned int id, const char* text, z_match_method method) const;
-    zRecord* take_out(zListEntry<zRecord*>* entry);
+    void recurse_add_child(zTable* table);
 
     zHeap<zVariable*> fVariables;
     unsigned int fRegisteredCount = 0; // the registered ones are the first in fVariables
@@ -219,7 +246,10 @@ class zRecord {
     zRecord* fParent = nullptr;
     zList<zRecord*> fChildren;
     int fChildCount = 0;
+    zTable* fTable = nullptr;
     int fID = 0;
+    int fSuspendCount = 0;       // depth of notification brackets
+    zRecord* fPending = nullptr; // the message being gathered, or null
 };
 
 /// Sorts records by one variable, those without it last. Records that compare alike stand by address.

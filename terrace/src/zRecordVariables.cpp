@@ -1,32 +1,104 @@
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "zColor.h"
 #include "zFloatPoint.h"
 #include "zPoint.h"
 #include "zRecord.h"
 #include "zRect.h"
+#include "zTable.h"
+
+namespace {
+
+/// Puts a copy of a variable among the values of a message.
+void note_value(zRecord& values, const zVariable& variable) {
+    zVariable* copy = values.FindOrAdd(variable.ID());
+    *copy = variable;
+    copy->SetID(variable.ID()); // an empty variable takes it from a text
+}
+
+} // namespace
 
 // ---- The way of every change ----
 
-/// Every change of a variable stands between these two. A subclass sees it before it happens ...
-void zRecord::begin_notify_observers(unsigned int id) {
+/// Every change of a variable stands between these two. A subclass sees it before it happens, undo keeps the
+/// old value. True when observers want to know: a bracket is open then.
+inline bool zRecord::begin_notify_observers(unsigned int id) {
     variable_changing(id, true, false);
+    return fTable != nullptr && fTable->is_followed() && begin_in_table(id);
 }
 
-/// ... and afterwards. `variable` is the changed one, null when it is not at hand.
-void zRecord::end_notify_observers(unsigned int id, [[maybe_unused]] const zVariable* variable, bool changed,
-                                   [[maybe_unused]] char notify) {
+bool zRecord::begin_in_table(unsigned int id) {
+    const bool isObserved = fTable->has_observers(fID, id);
+    if (!isObserved && !fTable->IsUndoAble())
+        return false;
+    const zVariable* variable = Find(id);
+    if (fTable->IsUndoAble() && variable != nullptr)
+        fTable->undo_push_var_change(fID, *variable);
+    else if (fTable->IsUndoAble())
+        fTable->undo_push_var_add(fID, id);
+    if (!isObserved)
+        return false;
+    SuspendNotifications();
+    if (fPending == nullptr)
+        fPending = new_notification();
+    zRecord& oldValues = *fPending->Child(1);
+    if (variable != nullptr && !oldValues.ExistsID(id))
+        note_value(oldValues, *variable);
+    return true;
+}
+
+/// ... and afterwards. `variable` is the changed one.
+inline void zRecord::end_notify_observers(unsigned int id, const zVariable* variable, bool changed,
+                                          char notify, bool isObserved) {
     variable_changing(id, false, changed);
+    if (!isObserved)
+        return;
+    const bool isTold = notify != kNotify_Never && (notify != kNotify_Changed || changed);
+    if (isTold && fPending != nullptr)
+        note_value(*fPending->Child(0), *variable);
+    ResumeNotifications();
 }
 
 void zRecord::variable_changing(unsigned int, bool, bool) {}
 
+/// An empty message about this record: children for the new and the old values.
+zRecord* zRecord::new_notification() const {
+    auto* message = new zRecord;
+    message->Set4CCCC(kWhat, zTable::kRecordModified);
+    message->SetInt32(kTableID, fTable->TableID());
+    message->set_id(fID);
+    message->AddChild(new zRecord);
+    message->AddChild(new zRecord);
+    return message;
+}
+
+void zRecord::ResumeNotifications() {
+    if (fSuspendCount == 1 && fPending != nullptr) {
+        const std::unique_ptr<zRecord> message(std::exchange(fPending, nullptr));
+        if (fTable != nullptr && !message->Child(0)->IsEmpty())
+            fTable->deliver_record_notify(*message, fID);
+    }
+    if (fSuspendCount > 0)
+        --fSuspendCount;
+}
+
+void zRecord::SendNotification(unsigned int id, const zRecord& data) {
+    if (fTable == nullptr || !fTable->has_observers(fID, id))
+        return;
+    const std::unique_ptr<zRecord> message(new_notification());
+    message->Child(0)->SetInt32(id, 0);
+    message->AddChild(new zRecord(data));
+    fTable->deliver_record_notify(*message, fID);
+}
+
 template <auto kSetter, typename... Values>
 bool zRecord::set_variable(unsigned int id, char notify, const Values&... values) {
-    begin_notify_observers(id);
+    const bool isObserved = begin_notify_observers(id);
     zVariable* variable = FindOrAdd(id);
     const bool changed = (variable->*kSetter)(id, values...);
-    end_notify_observers(id, variable, changed, notify);
+    end_notify_observers(id, variable, changed, notify, isObserved);
     return changed;
 }
 
@@ -243,11 +315,12 @@ int zRecord::VariablePutOne(const zRecord& from, unsigned int id) {
 
 int zRecord::VariablePutOne(const zVariable& variable) {
     const zVariable copy(variable); // it may be this record's own
-    begin_notify_observers(copy.ID());
-    RemoveID(copy.ID());
+    const bool isObserved = begin_notify_observers(copy.ID());
+    remove_variable(copy.ID());
     zVariable* put = FindOrAdd(copy.ID());
     *put = copy;
-    end_notify_observers(copy.ID(), put, true, kNotify_Always);
+    put->SetID(copy.ID());
+    end_notify_observers(copy.ID(), put, true, kNotify_Always, isObserved);
     return 0;
 }
 
@@ -270,6 +343,15 @@ void zRecord::MoveVariable(zVariableKey from, zVariableKey to) {
 }
 
 void zRecord::RemoveID(unsigned int id) {
+    const zVariable* variable = Find(id);
+    if (variable == nullptr)
+        return;
+    if (fTable != nullptr && fTable->IsUndoAble())
+        fTable->undo_push_var_deleted(fID, *variable);
+    remove_variable(id);
+}
+
+void zRecord::remove_variable(unsigned int id) {
     const auto at = std::find(fVariables.begin(), fVariables.end(), Find(id));
     if (at == fVariables.end())
         return;
@@ -281,8 +363,8 @@ void zRecord::RemoveID(unsigned int id) {
 
 void zRecord::TouchVariable(zVariableKey key, bool create) {
     if (zVariable* variable = Find(key)) {
-        begin_notify_observers(key);
-        end_notify_observers(key, variable, false, kNotify_Always);
+        const bool isObserved = begin_notify_observers(key);
+        end_notify_observers(key, variable, false, kNotify_Always, isObserved);
     } else if (create) {
         SetInt32(key, 0, kNotify_Changed);
     }

@@ -3,6 +3,7 @@
 #include "zBoot.h"
 #include "zCriticalRW.h"
 #include "zErrCodeManager.h"
+#include "zObserverHandler.h"
 #include "zSocket.h"
 #include "zStacker.h"
 #include "zStringID.h"
@@ -27,12 +28,14 @@ void zTerrace::Startup() {
     zVariable::Startup();
     zStringID::Startup();
     zSocket::Startup();
+    zObserverHandler::Startup();
     zErrCodeManager::RegisterCodeRange(kFirstErrorCode, kLastErrorCode, "terrace errors");
     string_defines();
 }
 
 // Deliberate: not the mirror of the start. Values may still be printed while the names go.
 void zTerrace::Shutdown() {
+    zObserverHandler::Shutdown();
     zSocket::Shutdown();
     zStringID::Shutdown();
     zVariable::Shutdown();

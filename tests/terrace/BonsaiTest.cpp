@@ -66,37 +66,40 @@ std::vector<int> NodeSizes(const zBonsai& tree) {
 } // namespace
 
 TEST(Bonsai, BehavesLikeAMapAtEveryStep) {
+    // The balance shifts from one phase to the next, so that trees fill up and drain again.
+    constexpr int kPhase = 500, kPhases = 6, kWithLargestEntries = 150;
     const struct {
         unsigned short order;
         bool isFixed;
     } trees[] = {{2, true}, {3, true}, {4, true}, {5, true}, {32, true}, {4, false}, {32, false}};
+    Bytes found(zBonsai::kMaxNodeBytes), deleted(zBonsai::kMaxNodeBytes);
     for (const auto& [order, isFixed] : trees) {
         SCOPED_TRACE(order);
         std::mt19937 random(order);
         zBonsai tree(new BlobOki(isFixed), order);
         std::map<int, Bytes> model;
-        for (int step = 0; step < 4200; ++step) {
-            const int key = static_cast<int>(random() % 600) - 300;
-            const bool known = model.contains(key);
+        for (int step = 0; step < kPhases * kPhase; ++step) {
+            const int key = static_cast<int>(random() % 500) - 250;
+            const auto known = model.find(key);
+            const int result = known != model.end() ? 0 : -1;
             const size_t most = tree.MaxEntrySize() - BlobOki::kHead;
-            const size_t payload = step < 700 || random() % 10 == 0 ? most : random() % 40;
+            const size_t payload = step < kWithLargestEntries || random() % 20 == 0 ? most : random() % 40;
             const Bytes entry = BlobOki::Make(key, isFixed ? BlobOki::kFixedPayload : payload, step);
-            // The balance shifts slowly, so that trees fill up and drain again.
-            if (random() % 100 < (step / 700 % 2 == 0 ? 75U : 25U)) {
-                ASSERT_EQ(tree.Add(entry.data(), false), known ? -1 : 0);
+            if (random() % 100 < (step / kPhase % 2 == 0 ? 75U : 25U)) {
+                ASSERT_EQ(tree.Add(entry.data(), false), -1 - result);
                 model.emplace(key, entry);
             } else {
-                Bytes found(0xFFFF);
-                Bytes deleted(0xFFFF);
-                unsigned short size = 0xFFFF;
-                ASSERT_EQ(tree.Find(entry.data(), found.data(), &size, 0), known ? 0 : -1);
-                size = 0xFFFF;
-                ASSERT_EQ(tree.Delete(entry.data(), deleted.data(), &size, 0), known ? 0 : -1);
-                ASSERT_EQ(found, deleted);
-                if (known) {
-                    deleted.resize(size);
-                    ASSERT_EQ(deleted, model[key]);
-                    model.erase(key);
+                auto foundSize = static_cast<uint16_t>(found.size());
+                auto deletedSize = foundSize;
+                ASSERT_EQ(tree.Find(entry.data(), found.data(), &foundSize, 0), result);
+                ASSERT_EQ(tree.Delete(entry.data(), deleted.data(), &deletedSize, 0), result);
+                if (known != model.end()) {
+                    const Bytes& expected = known->second;
+                    ASSERT_EQ(foundSize, expected.size());
+                    ASSERT_EQ(deletedSize, expected.size());
+                    ASSERT_TRUE(std::equal(expected.begin(), expected.end(), found.begin()));
+                    ASSERT_TRUE(std::equal(expected.begin(), expected.end(), deleted.begin()));
+                    model.erase(known);
                 }
             }
             ASSERT_EQ(tree.Count(), model.size());

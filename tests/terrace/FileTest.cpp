@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <memory>
 #include <set>
 #include <string>
@@ -42,7 +44,9 @@ TEST(Path, ExtensionBelongsToTheLastPart) {
 
 TEST(Directory, WalksFilesAndFolders) {
     zString root;
-    ASSERT_EQ(zFileStream::CreateTemporaryFile(root, "glasspane_test_%ld"), 0);
+    ASSERT_EQ(zFileStream::CreateTemporaryFile(
+                  root, ("glasspane_test_" + std::to_string(getpid()) + "_%ld").c_str()),
+              0);
     ASSERT_EQ(zDirectory::MakeSureExists(root), 0);
     ASSERT_EQ(zDirectory::MakeSureExists(root), 0);
     const std::string folder = std::string(root) + "/folder";

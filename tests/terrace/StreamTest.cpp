@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <memory>
 #include <string>
 
@@ -15,7 +17,11 @@ namespace {
 /// A file that goes away with the test.
 class TemporaryFile {
   public:
-    TemporaryFile() { EXPECT_EQ(zFileStream::CreateTemporaryFile(fPath, "glasspane_test_%ld"), 0); }
+    TemporaryFile() {
+        EXPECT_EQ(zFileStream::CreateTemporaryFile(
+                      fPath, ("glasspane_test_" + std::to_string(getpid()) + "_%ld").c_str()),
+                  0);
+    }
     ~TemporaryFile() { zFileStream::RemoveFile(fPath); }
     operator const char*() const { return fPath; }
 

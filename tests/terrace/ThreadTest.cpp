@@ -2,8 +2,11 @@
 
 #include <atomic>
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -55,11 +58,28 @@ TEST(Thread, RunsWithAnIdOfItsOwnAndGivesItsResult) {
     EXPECT_GT(foreign, seen);
 }
 
-TEST(Thread, FactoryWaitsForTheStartOnlyIfAsked) {
+/// Whether one of this process's threads has given itself that name, as its first act.
+bool is_named(const std::string& name) {
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::string known;
+        std::ifstream comm(task.path() / "comm");
+        if (std::getline(comm, known) && known == name)
+            return true;
+    }
+    return false;
+}
+
+TEST(Thread, FactoryWaitsForTheStartIfAsked) {
     const auto go = new_signal();
-    const auto thread = start([&go] { return go->Wait(), 0; }, zThread::kWaitForStart);
-    go->Signal();
-    EXPECT_EQ(thread->WaitForExit(), 0);
+    for (int round = 0; round < 100; ++round) { // Without waiting it would be too early in most of them.
+        const std::string name = "started " + std::to_string(round);
+        const std::unique_ptr<zThread> thread(
+            zThread::Factory(name.c_str(), new Body([&go] { return go->Wait(), 0; }),
+                             zThread::kWaitForStart | zThread::kDeleteMain, zThread::kNormalPriority));
+        ASSERT_TRUE(is_named(name)) << "round " << round;
+        go->Signal();
+        EXPECT_EQ(thread->WaitForExit(), 0);
+    }
 }
 
 TEST(Thread, DeletesItselfAndItsBodyIfAsked) {
