@@ -1,5 +1,6 @@
 #include "cBellwort.h"
 
+#include "cFirewall.h"
 #include "z4CCCC.h"
 #include "zBoot.h"
 #include "zErrCodeManager.h"
@@ -9,10 +10,15 @@ namespace {
 
 void startup() {
     zBoot::Depends(z4CCCC("terr"), zTerrace::boot_Module);
+    cFirewall::Startup();
     zErrCodeManager::RegisterCodeRange(-21000, -8999, "bellwort errors");
 }
 
-zBoot gBoot(startup, nullptr, z4CCCC("BLWT"));
+void shutdown() {
+    cFirewall::Shutdown();
+}
+
+zBoot gBoot(startup, shutdown, z4CCCC("BLWT"));
 
 } // namespace
 

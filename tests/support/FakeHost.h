@@ -36,6 +36,7 @@ class FakeHost : public host::Host,
     int pictures = 0; ///< Reads of a framebuffer among them.
     int openFramebuffers = 0;
     std::vector<host::RefreshListener*> refreshListeners;
+    std::vector<host::DisplaysListener*> displaysListeners;
     int pointerPictures = 0;
 
     /// The bytes b, g and r at a place of the desktop, bottom to top bits; the fourth byte is garbage on
@@ -49,6 +50,13 @@ class FakeHost : public host::Host,
     void Refresh(const std::vector<host::Rect>& areas) {
         for (host::RefreshListener* listener : refreshListeners)
             listener->ScreenRefreshed(areas);
+    }
+
+    /// Gives the displays other places, and says so to whoever listens.
+    void ChangeDisplays(std::vector<host::Rect> places) {
+        displays = std::move(places);
+        for (host::DisplaysListener* listener : displaysListeners)
+            listener->DisplaysChanged();
     }
 
     const char* Name() const override { return "fake"; }
@@ -124,6 +132,12 @@ class FakeHost : public host::Host,
     void UnregisterRefreshListener(host::RefreshListener& listener) override {
         std::erase(refreshListeners, &listener);
     }
+    void RegisterDisplaysListener(host::DisplaysListener& listener) override {
+        displaysListeners.push_back(&listener);
+    }
+    void UnregisterDisplaysListener(host::DisplaysListener& listener) override {
+        std::erase(displaysListeners, &listener);
+    }
     bool IsCaptured(host::DisplayId) override { return captured; }
 
     bool IsVisible() override { return pointerVisible; }
@@ -147,6 +161,11 @@ class FakeHost : public host::Host,
     void RemoveDescriptor(int) override {}
     int AddTimer(int, std::function<void()>) override { return 1; }
     void RemoveTimer(int) override {}
+    bool PerformOnMainThread(const std::function<void()>& work) override {
+        work();
+        return true;
+    }
+    void RefuseWork() override {}
 
     std::vector<uint32_t> fPixels;
 };

@@ -32,6 +32,22 @@ void XPainter::Draw(int x, int y, int width, int height, uint32_t colour) {
     xcb_poly_fill_rectangle(fXcb, fScreen->root, fPen, 1, &area);
 }
 
+std::vector<uint32_t> XPainter::Screenshot(int x, int y, int width, int height) {
+    const auto cookie = xcb_get_image(fXcb, XCB_IMAGE_FORMAT_Z_PIXMAP, fScreen->root, static_cast<int16_t>(x),
+                                      static_cast<int16_t>(y), static_cast<uint16_t>(width),
+                                      static_cast<uint16_t>(height), ~0U);
+    xcb_get_image_reply_t* image = xcb_get_image_reply(fXcb, cookie, nullptr);
+    std::vector<uint32_t> pixels;
+    if (image) {
+        const auto* first = reinterpret_cast<const uint32_t*>(xcb_get_image_data(image));
+        pixels.assign(first, first + width * height);
+        for (uint32_t& pixel : pixels)
+            pixel &= 0xFFFFFF;
+    }
+    std::free(image);
+    return pixels;
+}
+
 int XPainter::Xrandr(const std::string& arguments) {
     return std::system(("xrandr --display " + fDisplay + " " + arguments).c_str());
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include <xcb/xcb.h>
 
@@ -20,6 +21,9 @@ class XPainter {
     /// The same, without waiting for it to take effect; Sync does.
     void Draw(int x, int y, int width, int height, uint32_t colour);
     void Sync();
+
+    /// What the screen shows: 0xRRGGBB, rows top first. Only of 24 bits; empty for what isn't on it.
+    std::vector<uint32_t> Screenshot(int x, int y, int width, int height);
 
     /// Runs xrandr on the screen; its exit status.
     int Xrandr(const std::string& arguments);

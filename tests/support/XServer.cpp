@@ -28,6 +28,13 @@ constexpr auto kEndLimit = std::chrono::seconds(5);
     _exit(127);
 }
 
+std::vector<std::string> command_for(const std::string& screen, const std::vector<std::string>& arguments) {
+    std::vector<std::string> command{"Xvfb", "-screen",  "0",    screen, "-nolisten",
+                                     "tcp",  "-noreset", "-dpi", "96"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return command;
+}
+
 int milliseconds_until(Clock::time_point end) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
     return left > 0 ? static_cast<int>(left) : 0;
@@ -36,10 +43,11 @@ int milliseconds_until(Clock::time_point end) {
 } // namespace
 
 XServer::XServer(const std::string& screen, const std::vector<std::string>& arguments) {
-    std::vector<std::string> command{"Xvfb", "-screen",  "0",    screen, "-nolisten",
-                                     "tcp",  "-noreset", "-dpi", "96"};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    start(command);
+    start(command_for(screen, arguments));
+}
+
+std::string XServer::PrivateDisplay() {
+    return ":" + std::to_string(1000 + getpid() % 50000); // X servers count from 0 to 59535.
 }
 
 XServer::~XServer() {
@@ -66,6 +74,11 @@ void XServer::Kill() {
     const std::string number = fDisplay.substr(1);
     unlink(("/tmp/.X" + number + "-lock").c_str());
     unlink(("/tmp/.X11-unix/X" + number).c_str());
+}
+
+void XServer::Restart(const std::string& screen) {
+    Kill();
+    start(command_for(screen, {fDisplay}));
 }
 
 void XServer::start(const std::vector<std::string>& command) {

@@ -11,6 +11,8 @@ class XServer {
     /// Starts a server with one screen, as in "640x480x24", and further arguments of Xvfb. Running() tells
     /// whether it came up.
     explicit XServer(const std::string& screen, const std::vector<std::string>& arguments = {});
+    /// A display's name, as another argument, that no server takes by itself: for one that is started again.
+    static std::string PrivateDisplay();
     ~XServer();
     XServer(const XServer&) = delete;
     XServer& operator=(const XServer&) = delete;
@@ -28,6 +30,9 @@ class XServer {
 
     /// Ends the server without a warning, as a crash would.
     void Kill();
+
+    /// Starts another server in the place of this one, with one screen and no further arguments.
+    void Restart(const std::string& screen);
 
   private:
     void start(const std::vector<std::string>& command);
