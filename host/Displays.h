@@ -10,7 +10,8 @@
 
 namespace host {
 
-/// Identifies a display while it stays connected. 0 is no display's id: it stands for the main one.
+/// Identifies a display for as long as the program runs: one that comes back has the id that it had. 0 is no
+/// display's id: it stands for the main one.
 using DisplayId = uint32_t;
 
 /// A view of pixels that a port owns: 32 bits each, the bytes in memory b, g, r, then one undefined byte;
@@ -42,6 +43,16 @@ class RefreshListener {
     /// \p areas in desktop coordinates, in no order, as coarse or fine as the machine likes. On the main
     /// thread, from its run loop; it must not take long.
     virtual void ScreenRefreshed(std::span<const Rect> areas) = 0;
+};
+
+/// Hears that displays came, went, moved or changed their size.
+class DisplaysListener {
+  public:
+    virtual ~DisplaysListener() = default;
+
+    /// Once for one change or for several: the displays themselves tell what is different. On the main
+    /// thread, from its run loop.
+    virtual void DisplaysChanged() = 0;
 };
 
 /// The machine's displays and the pixels they show.
@@ -82,9 +93,16 @@ class Displays {
     virtual void RegisterRefreshListener(RefreshListener& listener) = 0;
     virtual void UnregisterRefreshListener(RefreshListener& listener) = 0;
 
+    /// The same for changes of the displays themselves. Where those never change nothing is to be done.
+    virtual void RegisterDisplaysListener(DisplaysListener& /*listener*/) {}
+    virtual void UnregisterDisplaysListener(DisplaysListener& /*listener*/) {}
+
     /// True while nobody hears what changes on the display, since a program has it to itself or the machine
     /// can't tell. It has to be captured whole then. 0 asks for the main display.
     virtual bool IsCaptured(DisplayId id) = 0;
+
+    /// Whether windows can let shine through what lies behind them. Main thread.
+    virtual bool IsComposited() { return false; }
 };
 
 } // namespace host

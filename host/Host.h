@@ -7,6 +7,7 @@
 #include "AudioDriver.h"
 #include "Clock.h"
 #include "Desktop.h"
+#include "Discovery.h"
 #include "Displays.h"
 #include "PictureExporter.h"
 #include "Pointer.h"
@@ -45,6 +46,9 @@ class Host {
 
     virtual Desktop& DesktopPort() { return fBareDesktop; }
 
+    /// One without the service, unless the machine has it.
+    virtual Discovery& DiscoveryPort() { return fNoDiscovery; }
+
     /// A new exporter for pictures of this geometry; null if the machine has none or refuses the geometry.
     virtual std::unique_ptr<PictureExporter> NewPictureExporter(int width, int height, int rowBytes) = 0;
 
@@ -67,6 +71,7 @@ class Host {
 
     WindowServer fNoWindows;
     Desktop fBareDesktop;
+    Discovery fNoDiscovery;
 };
 
 /// Installs a host for a scope: the program's whole run, or one test.

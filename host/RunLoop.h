@@ -29,6 +29,14 @@ class RunLoop {
 
     /// Ends a timer; nothing if there is none by that number. Main thread only, also from inside a call.
     virtual void RemoveTimer(int timer) = 0;
+
+    /// Calls \p work on the main thread, from the loop, and waits for its end. False, without a call, once
+    /// the loop refuses work. Any thread that holds no lock; on the main thread it is a plain call.
+    virtual bool PerformOnMainThread(const std::function<void()>& work) = 0;
+
+    /// Lets go of whoever waits in PerformOnMainThread, and of all who will: the program ends, and the main
+    /// thread is about to wait for those threads. Main thread only.
+    virtual void RefuseWork() = 0;
 };
 
 } // namespace host

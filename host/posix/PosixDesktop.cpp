@@ -3,7 +3,14 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <spawn.h>
 #include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "Firewalls.h"
+#include "TcpListeners.h"
 
 namespace host {
 
@@ -26,6 +33,9 @@ std::string language_of(const std::string& locale) {
     const std::string language = locale.substr(0, locale.find_first_of(".@"));
     return language == "C" || language == "POSIX" ? std::string() : language;
 }
+
+/// A shell that starts the opener and ends at once, so that nobody has to wait for what it starts.
+constexpr char kOpen[] = "command -v xdg-open >/dev/null || exit 1; xdg-open \"$1\" >/dev/null 2>&1 &";
 
 } // namespace
 
@@ -53,6 +63,37 @@ std::string PosixDesktop::ResourcePath(const std::string& name) {
         return {};
     const auto path = (program.parent_path() / kResourcesFromProgram / name).lexically_normal();
     return std::filesystem::is_regular_file(path, error) ? path.string() : std::string();
+}
+
+int PosixDesktop::InfoValue(const std::string& key) {
+    std::ifstream info(ResourcePath("info"));
+    for (std::string line; std::getline(info, line);) {
+        if (line.starts_with(key + "="))
+            return std::atoi(line.c_str() + key.size() + 1);
+    }
+    return 0;
+}
+
+std::string PosixDesktop::HomeDirectory() {
+    const char* home = std::getenv("HOME");
+    return home ? home : "";
+}
+
+bool PosixDesktop::OpenAddress(const std::string& url) {
+    const char* const arguments[] = {"sh", "-c", kOpen, "sh", url.c_str(), nullptr};
+    pid_t shell;
+    if (posix_spawnp(&shell, "sh", nullptr, nullptr, const_cast<char* const*>(arguments), environ) != 0)
+        return false;
+    int status = 0;
+    return waitpid(shell, &status, 0) == shell && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+int PosixDesktop::WriteTCPListeners(int port, const std::string& path) {
+    return host::WriteTCPListeners(port, path);
+}
+
+std::string PosixDesktop::FirewallPreferences(const std::string& path, int port) {
+    return path == kApplicationFirewallFile ? FirewallPreferenceText(port) : std::string();
 }
 
 } // namespace host

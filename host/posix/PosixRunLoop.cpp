@@ -15,6 +15,7 @@ PosixRunLoop::PosixRunLoop() {
         fStopReader = ends[0];
         fStopWriter = ends[1];
     }
+    AddDescriptor(fQueue.Descriptor(), [this] { fQueue.Drain(); });
 }
 
 PosixRunLoop::~PosixRunLoop() {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "MainThreadQueue.h"
 #include "RunLoop.h"
 
 namespace host {
@@ -23,6 +24,8 @@ class PosixRunLoop : public RunLoop {
     void RemoveDescriptor(int descriptor) override;
     int AddTimer(int milliseconds, std::function<void()> fire) override;
     void RemoveTimer(int timer) override;
+    bool PerformOnMainThread(const std::function<void()>& work) override { return fQueue.Perform(work); }
+    void RefuseWork() override { fQueue.Close(); }
 
   private:
     using Moment = std::chrono::steady_clock::time_point;
@@ -55,6 +58,7 @@ class PosixRunLoop : public RunLoop {
     SourceList fSources;
     TimerList fTimers;
     int fLastTimer = 0;
+    MainThreadQueue fQueue;
 };
 
 } // namespace host

@@ -114,6 +114,10 @@ X11Connection::~X11Connection() {
     xcb_disconnect(fXcb);
 }
 
+bool X11Connection::IsAlive() const {
+    return !xcb_connection_has_error(fXcb);
+}
+
 void X11Connection::Abort() const {
     shutdown(xcb_get_file_descriptor(fXcb), SHUT_RDWR);
 }

@@ -25,6 +25,9 @@ class X11Connection {
     X11Connection(const X11Connection&) = delete;
     X11Connection& operator=(const X11Connection&) = delete;
 
+    /// False once the server has gone.
+    bool IsAlive() const;
+
     /// Ends all requests, those that are waiting for their reply too, as if the server had gone. Any thread.
     void Abort() const;
 

@@ -1,6 +1,7 @@
 #include "X11Damage.h"
 
-#include <string>
+#include <span>
+#include <utility>
 
 #include <xcb/damage.h>
 #include <xcb/xcb.h>
@@ -11,57 +12,39 @@
 
 namespace host {
 
-std::unique_ptr<X11Damage> X11Damage::Watch(const char* displayName) {
-    std::string whyNot;
-    auto connection = X11Connection::Open(displayName, whyNot);
-    if (!connection || !connection->HasDamage())
+std::unique_ptr<X11Damage> X11Damage::Gather(const X11Connection& connection) {
+    if (!connection.HasDamage())
         return nullptr;
-    std::unique_ptr<X11Damage> damage(new X11Damage(std::move(connection)));
+    std::unique_ptr<X11Damage> damage(new X11Damage(connection));
     return damage->create() ? std::move(damage) : nullptr;
 }
 
-X11Damage::X11Damage(std::unique_ptr<X11Connection> connection)
-    : fConnection(std::move(connection)),
-      fDamage(xcb_generate_id(fConnection->Xcb())),
-      fRegion(xcb_generate_id(fConnection->Xcb())) {}
+X11Damage::X11Damage(const X11Connection& connection)
+    : fConnection(connection),
+      fDamage(xcb_generate_id(connection.Xcb())),
+      fRegion(xcb_generate_id(connection.Xcb())) {}
 
-/// Waits for the server, once.
 bool X11Damage::create() {
-    xcb_connection_t* xcb = fConnection->Xcb();
+    xcb_connection_t* xcb = fConnection.Xcb();
     const auto created =
-        xcb_damage_create_checked(xcb, fDamage, fConnection->Root(), XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
+        xcb_damage_create_checked(xcb, fDamage, fConnection.Root(), XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
     xcb_xfixes_create_region(xcb, fRegion, 0, nullptr);
     // A new watch begins with the whole screen, which nobody has drawn.
     xcb_damage_subtract(xcb, fDamage, XCB_NONE, XCB_NONE);
-    return !X11Reply<xcb_generic_error_t>(xcb_request_check(xcb, created)) && !xcb_connection_has_error(xcb);
+    return !X11Reply<xcb_generic_error_t>(xcb_request_check(xcb, created)) && fConnection.IsAlive();
 }
 
-int X11Damage::Descriptor() const {
-    return xcb_get_file_descriptor(fConnection->Xcb());
-}
-
-bool X11Damage::Take(std::vector<Rect>& areas) {
-    for (;;) {
-        take_notes();
-        if (xcb_connection_has_error(fConnection->Xcb()))
-            return false;
-        if (fAsked && !take_answer(areas))
-            return true;
-        if (!fNoted)
-            return true;
+bool X11Damage::Step(std::vector<Rect>& areas) {
+    if (fAsked)
+        return take_answer(areas);
+    if (fNoted)
         ask();
-    }
-}
-
-/// Nothing but notes on damage, and errors that nobody waits for, comes unasked.
-void X11Damage::take_notes() {
-    while (X11Reply<xcb_generic_event_t>(xcb_poll_for_event(fConnection->Xcb())))
-        fNoted = true;
+    return fAsked.has_value();
 }
 
 /// Moves the gathered damage into the region and asks for that. What is drawn from here on is noted anew.
 void X11Damage::ask() {
-    xcb_connection_t* xcb = fConnection->Xcb();
+    xcb_connection_t* xcb = fConnection.Xcb();
     xcb_damage_subtract(xcb, fDamage, XCB_NONE, fRegion);
     fAsked = xcb_xfixes_fetch_region(xcb, fRegion).sequence;
     fNoted = false;
@@ -72,7 +55,7 @@ void X11Damage::ask() {
 bool X11Damage::take_answer(std::vector<Rect>& areas) {
     void* answer = nullptr;
     xcb_generic_error_t* error = nullptr;
-    if (!xcb_poll_for_reply(fConnection->Xcb(), *fAsked, &answer, &error))
+    if (!xcb_poll_for_reply(fConnection.Xcb(), *fAsked, &answer, &error))
         return false;
     fAsked.reset();
     const X11Reply<xcb_generic_error_t> refusal(error);

@@ -3,45 +3,36 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <span>
 #include <vector>
 
-#include "Displays.h"
+#include "Geometry.h"
 #include "X11Connection.h"
 
 namespace host {
 
-/// What was drawn on the screen: the server gathers it in a region and tells once that there is something,
-/// and the whole region is asked for in one go. So however much is drawn, at most one note and one answer are
-/// on their way, and an idle screen costs nothing.
-///
-/// It has a connection to itself, because whoever waits for a picture on another thread would take the notes
-/// in, unseen by the run loop. It never waits for the server. Main thread only.
+/// What was drawn on the screen: the server gathers it in a region and sends one note when there is
+/// something, and the whole region is asked for in one go. So however much is drawn, at most one note and one
+/// answer are on their way, and an idle screen costs nothing. It never waits for the server. One thread.
 class X11Damage {
   public:
-    /// Begins to watch the screen of the named display (see X11Connection::Open). Null when the server can't
-    /// tell, for want of DAMAGE or XFixes.
-    static std::unique_ptr<X11Damage> Watch(const char* displayName);
+    /// Begins to gather; waits for the server, once. Null when that can't, for want of DAMAGE or XFixes. The
+    /// connection outlives it.
+    static std::unique_ptr<X11Damage> Gather(const X11Connection& connection);
 
-    ~X11Damage() = default;
-    X11Damage(const X11Damage&) = delete;
-    X11Damage& operator=(const X11Damage&) = delete;
+    /// A note has come.
+    void Note() { fNoted = true; }
 
-    /// What becomes readable when there is something to do.
-    int Descriptor() const;
-
-    /// Does what there is to do: appends to \p areas what was drawn since the last areas. False when the
-    /// server has gone, for good.
-    bool Take(std::vector<Rect>& areas);
+    /// Takes the next step: asks for what was noted, or appends to \p areas what was drawn since the last
+    /// areas. False when there is nothing to do before the server has sent more.
+    bool Step(std::vector<Rect>& areas);
 
   private:
-    explicit X11Damage(std::unique_ptr<X11Connection> connection);
+    explicit X11Damage(const X11Connection& connection);
     bool create();
-    void take_notes();
     void ask();
     bool take_answer(std::vector<Rect>& areas);
 
-    std::unique_ptr<X11Connection> fConnection;
+    const X11Connection& fConnection;
     uint32_t fDamage;
     uint32_t fRegion;
     bool fNoted = false;                ///< There is something to ask for.

@@ -1,70 +1,41 @@
 #include "X11Displays.h"
 
-#include <xcb/randr.h>
+#include <algorithm>
+#include <string_view>
+
 #include <xcb/xcb.h>
 
 #include "PictureFramebuffer.h"
-
+#include "X11Reply.h"
 #include "X11Text.h"
 
 namespace host {
-namespace {
-
-/// A monitor's id is the atom of its name: it lasts as long as the monitor, and is never 0. Atoms and
-/// resources leave the three top bits clear, so that this one is none.
-constexpr DisplayId kWholeScreen = 0xFFFFFFFF;
-
-/// A picture is tried again when the screen's size changed under it, but a server can't keep anyone busy.
-constexpr int kTries = 3;
-
-/// Takes the answer to a question for the root window's geometry: false when there is none.
-bool take_screen(xcb_connection_t* xcb, xcb_get_geometry_cookie_t cookie, PixelRect& screen) {
-    const X11Reply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(xcb, cookie, nullptr));
-    if (!geometry)
-        return false;
-    screen = {0, 0, geometry->width, geometry->height};
-    return true;
-}
-
-} // namespace
-
-X11Displays::X11Displays(const X11Connection& connection, const char* displayName, X11Transport transport)
-    : fConnection(connection),
-      fGrabber(connection, transport),
-      fRefresh(displayName),
-      fScreen(connection.FirstScreen()) {}
 
 int X11Displays::ActiveDisplays(std::vector<DisplayId>& ids) {
-    std::vector<Monitor> monitors;
-    if (list_monitors(monitors) != 0)
+    const std::vector<X11Monitor> all = monitors();
+    if (all.empty())
         return -1;
     ids.clear();
-    for (const Monitor& monitor : monitors)
-        ids.push_back(monitor.id);
+    for (const X11Monitor& monitor : all)
+        ids.push_back(id_of(monitor));
     return 0;
 }
 
 DisplayId X11Displays::MainDisplay() {
-    std::vector<Monitor> monitors;
-    if (list_monitors(monitors) != 0)
+    const std::vector<X11Monitor> all = monitors();
+    if (all.empty())
         return 0;
-    for (const Monitor& monitor : monitors) {
-        if (monitor.isPrimary)
-            return monitor.id;
-    }
-    for (const Monitor& monitor : monitors) {
-        if (monitor.place.x == 0 && monitor.place.y == 0)
-            return monitor.id;
-    }
-    return monitors.front().id;
+    const auto isAtOrigin = [](const X11Monitor& one) { return one.place.x == 0 && one.place.y == 0; };
+    auto found = std::find_if(all.begin(), all.end(), [](const X11Monitor& one) { return one.isPrimary; });
+    if (found == all.end())
+        found = std::find_if(all.begin(), all.end(), isAtOrigin);
+    return id_of(found == all.end() ? all.front() : *found);
 }
 
 Rect X11Displays::Bounds(DisplayId id) {
-    std::vector<Monitor> monitors;
-    list_monitors(monitors);
-    for (const Monitor& monitor : monitors) {
+    for (const X11Monitor& monitor : monitors()) {
         const PixelRect& place = monitor.place;
-        if (monitor.id == id)
+        if (id_of(monitor) == id)
             return {static_cast<double>(place.x), static_cast<double>(place.y),
                     static_cast<double>(place.width), static_cast<double>(place.height)};
     }
@@ -72,38 +43,16 @@ Rect X11Displays::Bounds(DisplayId id) {
 }
 
 std::string X11Displays::ProductName(DisplayId id) {
-    if (id == kWholeScreen)
-        return "X screen";
-    const auto cookie = xcb_get_atom_name(fConnection.Xcb(), id);
-    const X11Reply<xcb_get_atom_name_reply_t> reply(
-        xcb_get_atom_name_reply(fConnection.Xcb(), cookie, nullptr));
-    if (!reply)
+    const std::lock_guard lock(fNamesLock);
+    if (id == 0 || id > fNames.size())
         return "";
-    return TextFromX11({xcb_get_atom_name_name(reply.get()),
-                        static_cast<size_t>(xcb_get_atom_name_name_length(reply.get()))});
+    const std::string& name = fNames[id - 1];
+    return name.empty() ? "X screen" : TextFromX11(name);
 }
 
 int X11Displays::Picture(const Rect& area, Image& image) {
-    PixelRect wanted;
-    if (TruncateToPixels(area, wanted) != 0)
-        return -1;
-    for (int tries = 0; tries < kTries; ++tries) {
-        // The question for the size shares the grab's round trip, so that a stale size costs a second one
-        // only when it mattered.
-        const PixelRect visible = wanted.Intersection(fScreen);
-        const auto cookie = xcb_get_geometry(fConnection.Xcb(), fConnection.Root());
-        Image grabbed;
-        const int result = visible.IsEmpty() ? 0 : fGrabber.Grab(visible, grabbed);
-        fConnection.DropEvents();
-        if (!take_screen(fConnection.Xcb(), cookie, fScreen))
-            return -1;
-        if (wanted.Intersection(fScreen) != visible)
-            continue;
-        if (result == 0)
-            image = visible == wanted ? grabbed : fComposed.Compose(wanted, visible, grabbed);
-        return result;
-    }
-    return -1;
+    fPictured = fLink.Session();
+    return fPictured->Screen().Picture(area, image);
 }
 
 std::unique_ptr<Framebuffer> X11Displays::OpenFramebuffer(DisplayId id) {
@@ -111,31 +60,34 @@ std::unique_ptr<Framebuffer> X11Displays::OpenFramebuffer(DisplayId id) {
     return place.width > 0 ? std::make_unique<PictureFramebuffer>(*this, place) : nullptr;
 }
 
-/// At least one monitor, or -1.
-int X11Displays::list_monitors(std::vector<Monitor>& monitors) const {
-    if (fConnection.HasMonitors() && list_randr_monitors(monitors) == 0 && !monitors.empty())
-        return 0;
-    PixelRect screen;
-    xcb_connection_t* xcb = fConnection.Xcb();
-    if (!take_screen(xcb, xcb_get_geometry(xcb, fConnection.Root()), screen))
-        return -1;
-    monitors = {{kWholeScreen, screen, true}};
-    return 0;
+/// Empty without a server.
+std::vector<X11Monitor> X11Displays::monitors() const {
+    std::vector<X11Monitor> all;
+    if (fLink.Session()->Screen().Monitors(all) != 0)
+        all.clear();
+    return all;
 }
 
-int X11Displays::list_randr_monitors(std::vector<Monitor>& monitors) const {
-    xcb_connection_t* xcb = fConnection.Xcb();
-    const auto cookie = xcb_randr_get_monitors(xcb, fConnection.Root(), true);
-    const X11Reply<xcb_randr_get_monitors_reply_t> reply(xcb_randr_get_monitors_reply(xcb, cookie, nullptr));
-    if (!reply)
-        return -1;
-    for (auto infos = xcb_randr_get_monitors_monitors_iterator(reply.get()); infos.rem;
-         xcb_randr_monitor_info_next(&infos)) {
-        const auto& info = *infos.data;
-        if (info.width > 0 && info.height > 0)
-            monitors.push_back({info.name, {info.x, info.y, info.width, info.height}, info.primary != 0});
-    }
-    return 0;
+DisplayId X11Displays::id_of(const X11Monitor& monitor) {
+    const std::lock_guard lock(fNamesLock);
+    auto found = std::find(fNames.begin(), fNames.end(), monitor.name);
+    if (found == fNames.end())
+        found = fNames.insert(found, monitor.name);
+    return static_cast<DisplayId>(found - fNames.begin()) + 1;
+}
+
+bool X11Displays::IsComposited() {
+    static constexpr std::string_view kSelection = "_NET_WM_CM_S0";
+    const auto session = fLink.Session();
+    xcb_connection_t* xcb = session->Connection().Xcb();
+    const X11Reply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
+        xcb, xcb_intern_atom(xcb, true, static_cast<uint16_t>(kSelection.size()), kSelection.data()),
+        nullptr));
+    if (!atom || atom->atom == XCB_ATOM_NONE)
+        return false;
+    const X11Reply<xcb_get_selection_owner_reply_t> owner(
+        xcb_get_selection_owner_reply(xcb, xcb_get_selection_owner(xcb, atom->atom), nullptr));
+    return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
 } // namespace host

@@ -1,16 +1,17 @@
 #pragma once
 
-#include "ComposedPicture.h"
-#include "X11Grabber.h"
-#include "X11Refresh.h"
+#include <mutex>
+
+#include "X11Link.h"
+#include "X11Reports.h"
 
 namespace host {
 
-/// The monitors of an X screen, or the whole screen where the server knows no monitors.
+/// The monitors of an X screen, or the whole screen where the server knows no monitors. They are told apart
+/// by their names, which outlast the server.
 class X11Displays : public Displays {
   public:
-    /// \p displayName is what \p connection was opened with.
-    X11Displays(const X11Connection& connection, const char* displayName, X11Transport transport);
+    X11Displays(X11Link& link, X11Reports& reports) : fLink(link), fReports(reports) {}
 
     int ActiveDisplays(std::vector<DisplayId>& ids) override;
     /// The primary monitor, else the one at the origin, else the first.
@@ -19,27 +20,24 @@ class X11Displays : public Displays {
     std::string ProductName(DisplayId id) override;
     int Picture(const Rect& area, Image& image) override;
     std::unique_ptr<Framebuffer> OpenFramebuffer(DisplayId id) override;
-    void RegisterRefreshListener(RefreshListener& listener) override { fRefresh.Register(listener); }
-    void UnregisterRefreshListener(RefreshListener& listener) override { fRefresh.Unregister(listener); }
+    void RegisterRefreshListener(RefreshListener& listener) override { fReports.Register(listener); }
+    void UnregisterRefreshListener(RefreshListener& listener) override { fReports.Unregister(listener); }
+    void RegisterDisplaysListener(DisplaysListener& listener) override { fReports.Register(listener); }
+    void UnregisterDisplaysListener(DisplaysListener& listener) override { fReports.Unregister(listener); }
     /// Programs that fill the screen are seen like all others here.
-    bool IsCaptured(DisplayId) override { return !fRefresh.IsHeard(); }
-
-    X11Transport Transport() const { return fGrabber.Transport(); }
+    bool IsCaptured(DisplayId) override { return !fReports.IsDrawingHeard(); }
+    /// Whether a compositing manager runs, by the selection that such managers own.
+    bool IsComposited() override;
 
   private:
-    struct Monitor {
-        DisplayId id;
-        PixelRect place;
-        bool isPrimary;
-    };
-    int list_monitors(std::vector<Monitor>& monitors) const;
-    int list_randr_monitors(std::vector<Monitor>& monitors) const;
+    std::vector<X11Monitor> monitors() const;
+    DisplayId id_of(const X11Monitor& monitor);
 
-    const X11Connection& fConnection;
-    X11Grabber fGrabber;
-    X11Refresh fRefresh;
-    PixelRect fScreen; ///< As of the last picture.
-    ComposedPicture fComposed;
+    X11Link& fLink;
+    X11Reports& fReports;
+    std::shared_ptr<X11Session> fPictured; ///< Whose memory the last picture is.
+    std::mutex fNamesLock;
+    std::vector<std::string> fNames; ///< With the lock: those of the displays 1, 2 and so on.
 };
 
 } // namespace host

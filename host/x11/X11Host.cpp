@@ -5,16 +5,14 @@
 namespace host {
 
 std::unique_ptr<X11Host> X11Host::Open(const char* displayName, std::string& whyNot, X11Transport transport) {
-    auto connection = X11Connection::Open(displayName, whyNot);
-    if (!connection)
+    const std::string name = displayName ? displayName : "";
+    auto session = X11Session::Open(name, transport, whyNot);
+    if (!session)
         return nullptr;
-    return std::unique_ptr<X11Host>(new X11Host(std::move(connection), displayName, transport));
+    return std::unique_ptr<X11Host>(new X11Host(name, transport, std::move(session)));
 }
 
-X11Host::X11Host(std::unique_ptr<X11Connection> connection, const char* displayName, X11Transport transport)
-    : fConnection(std::move(connection)),
-      fDisplays(*fConnection, displayName, transport),
-      fPointer(*fConnection),
-      fWindowServer(*fConnection) {}
+X11Host::X11Host(const std::string& displayName, X11Transport transport, std::shared_ptr<X11Session> session)
+    : fLink(displayName, transport, std::move(session)) {}
 
 } // namespace host

@@ -10,7 +10,8 @@
 
 namespace host {
 
-/// A machine whose screen belongs to an X server.
+/// A machine whose screen belongs to an X server. It outlives that server: what is asked of it fails until
+/// there is another one by the same name.
 class X11Host : public PosixHost {
   public:
     /// Opens the named display, or the environment's for null or "". Null with one line of reason in \p
@@ -19,21 +20,22 @@ class X11Host : public PosixHost {
                                          X11Transport transport = X11Transport::kSharedMemory);
 
     const char* Name() const override { return "x11"; }
-    void LetGo() override { fConnection->Abort(); }
+    void LetGo() override { fLink.LetGo(); }
     Displays& DisplaysPort() override { return fDisplays; }
     Pointer& PointerPort() override { return fPointer; }
     WindowServer& WindowServerPort() override { return fWindowServer; }
 
     /// How the last picture came; how the next will come, before there was one.
-    X11Transport Transport() const { return fDisplays.Transport(); }
+    X11Transport Transport() const { return fLink.Session()->Screen().Transport(); }
 
   private:
-    X11Host(std::unique_ptr<X11Connection> connection, const char* displayName, X11Transport transport);
+    X11Host(const std::string& displayName, X11Transport transport, std::shared_ptr<X11Session> session);
 
-    std::unique_ptr<X11Connection> fConnection;
-    X11Displays fDisplays;
-    X11Pointer fPointer;
-    X11WindowServer fWindowServer;
+    X11Link fLink;
+    X11Reports fReports{fLink};
+    X11Displays fDisplays{fLink, fReports};
+    X11Pointer fPointer{fLink, fReports};
+    X11WindowServer fWindowServer{fLink};
 };
 
 } // namespace host

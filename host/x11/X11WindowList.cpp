@@ -23,6 +23,9 @@ constexpr size_t kHintsFlags = 0;
 constexpr size_t kHintsGroup = 8;
 constexpr uint32_t kHasGroup = 1U << 6;
 
+/// More windows than that are nobody's who means well; their questions must not pass what a request may hold.
+constexpr int kMaximumWindows = 4096;
+
 std::string without_domain(const std::string& machine) {
     return machine.substr(0, machine.find('.'));
 }
@@ -89,7 +92,7 @@ bool X11WindowList::HasManager() const {
     return check != 0 && fProperties.NumberOf(check, X11Atom::kSupportingCheck) == check;
 }
 
-/// The window manager's list, else all windows that are the root's children, the lowest first.
+/// The window manager's list, else the windows that are the root's children, the lowest first.
 std::vector<WindowId> X11WindowList::list_ids(X11Atom list) const {
     xcb_connection_t* xcb = fConnection.Xcb();
     const auto asked = fProperties.Ask(fConnection.Root(), list);
@@ -100,8 +103,9 @@ std::vector<WindowId> X11WindowList::list_ids(X11Atom list) const {
         return *managed;
     if (!tree)
         return {};
-    const xcb_window_t* children = xcb_query_tree_children(tree.get());
-    return {children, children + xcb_query_tree_children_length(tree.get())};
+    const int count = xcb_query_tree_children_length(tree.get());
+    const xcb_window_t* end = xcb_query_tree_children(tree.get()) + count;
+    return {end - std::min(count, kMaximumWindows), end};
 }
 
 X11WindowList::Questions X11WindowList::ask(WindowId id) const {

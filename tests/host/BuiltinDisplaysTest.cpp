@@ -62,29 +62,17 @@ TEST(BuiltinDisplays, AreTwoSideBySide) {
     }
 }
 
-TEST(BuiltinDisplays, ShowTheSameAtTheSameTime) {
-    SetClock clock;
-    host::BuiltinHost restless(clock);
-    for (const int64_t time : kTimes) {
-        SetClock otherClock;
-        otherClock.microseconds = time;
-        host::BuiltinHost fresh(otherClock);
-        clock.microseconds = time;
-        EXPECT_EQ(grab(restless, {0, 0, 2304, 768}), grab(fresh, {0, 0, 2304, 768})) << time;
-    }
-}
-
-TEST(BuiltinDisplays, CropEqualsTheSameRegionOfTheWhole) {
+TEST(BuiltinDisplays, ShowTheSameAtTheSameTimeWhateverWasShownBefore) {
     SetClock clock;
     host::BuiltinHost cropped(clock);
-    host::BuiltinHost whole(clock);
     const int crops[][4] = {
         {0, 0, 1, 1},          {400, 500, 500, 60}, {0, 615, 1280, 50},    {600, 0, 3, 720},
         {1200, 600, 200, 168}, {2303, 767, 1, 1},   {1500, 540, 700, 200},
     };
     for (const int64_t time : kTimes) {
         clock.microseconds = time;
-        const auto all = grab(whole, {0, 0, 2304, 768});
+        host::BuiltinHost fresh(clock);
+        const auto all = grab(fresh, {0, 0, 2304, 768});
         for (const auto& c : crops) {
             EXPECT_EQ(grab(cropped, {double(c[0]), double(c[1]), double(c[2]), double(c[3])}),
                       part_of(all, 2304, c[0], c[1], c[2], c[3]))

@@ -157,6 +157,35 @@ TEST(PosixRunLoop, FiresTimersInTheirOwnTimeUntilTheyAreRemoved) {
     EXPECT_NE(slow, 0);
 }
 
+TEST(PosixRunLoop, PerformsOtherThreadsWorkUntilItRefuses) {
+    host::PosixRunLoop loop;
+    const std::thread::id mainThread = std::this_thread::get_id();
+    int performed = 0;
+    const auto work = [&] { performed += std::this_thread::get_id() == mainThread; };
+    EXPECT_TRUE(loop.PerformOnMainThread(work)) << "a plain call on the main thread";
+
+    std::vector<std::thread> others;
+    for (int i = 0; i < 4; ++i)
+        others.emplace_back([&] {
+            for (int n = 0; n < 50; ++n)
+                EXPECT_TRUE(loop.PerformOnMainThread(work));
+            EXPECT_TRUE(loop.PerformOnMainThread([&] {
+                if (++performed == 1 + 4 * 51)
+                    loop.Stop();
+            }));
+        });
+    loop.Run();
+    for (std::thread& other : others)
+        other.join();
+    EXPECT_EQ(performed, 1 + 4 * 51);
+
+    // No loop runs: only the refusal lets the waiting thread go.
+    std::thread waiting([&] { EXPECT_FALSE(loop.PerformOnMainThread(work)); });
+    loop.RefuseWork();
+    waiting.join();
+    EXPECT_EQ(performed, 1 + 4 * 51);
+}
+
 TEST(PosixClock, GoesOnInMicroseconds) {
     host::PosixClock clock;
     const int64_t before = clock.MicrosecondsSinceBoot();

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <chrono>
+#include <functional>
 #include <memory>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -11,9 +14,11 @@
 /// A test with an X server of its own, someone who paints on it, and a host that looks at it.
 class X11Fixture : public testing::Test {
   protected:
-    /// Without a server the host stays null; the test begins with NEED_X11.
+    /// In the place of what an earlier call started. Without a server the host is null; use NEED_X11.
     void Start(const std::string& screen, const std::vector<std::string>& arguments = {},
                host::X11Transport transport = host::X11Transport::kSharedMemory) {
+        machine.reset();
+        painter.reset();
         server = std::make_unique<XServer>(screen, arguments);
         if (!server->Running())
             return;
@@ -24,12 +29,54 @@ class X11Fixture : public testing::Test {
     }
 
     host::Displays& Displays() { return machine->DisplaysPort(); }
+    host::Pointer& Pointer() { return machine->PointerPort(); }
+
+    std::vector<host::DisplayId> Ids() {
+        std::vector<host::DisplayId> ids;
+        EXPECT_EQ(Displays().ActiveDisplays(ids), 0);
+        return ids;
+    }
+    std::vector<double> BoundsOf(host::DisplayId id) {
+        const host::Rect bounds = Displays().Bounds(id);
+        return {bounds.x, bounds.y, bounds.width, bounds.height};
+    }
+    /// The colour 0xRRGGBB of a place on the screen; one that there is none of when it can't be had.
+    uint32_t ColourOnScreen(double x, double y) {
+        host::Image image;
+        return Displays().Picture({x, y, 1, 1}, image) == 0 ? ColourAt(image, 0, 0) : 0xFFFFFFFF;
+    }
 
     /// The colour 0xRRGGBB at a place of a picture.
     static uint32_t ColourAt(const host::Image& image, int x, int y) {
         const uint8_t* bgr =
             image.pixels + static_cast<ptrdiff_t>(y) * image.rowBytes + static_cast<ptrdiff_t>(x) * 4;
         return static_cast<uint32_t>(bgr[2] << 16 | bgr[1] << 8 | bgr[0]);
+    }
+
+    static bool Await(const std::function<bool()>& condition) {
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > limit)
+                return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        return true;
+    }
+
+    /// Gives the screen a mode of another size.
+    void SetMode(int width, int height) {
+        const std::string mode = std::to_string(width) + "x" + std::to_string(height);
+        const std::string w = std::to_string(width) + " ";
+        const std::string h = std::to_string(height) + " ";
+        ASSERT_EQ(painter->Xrandr("--newmode " + mode + " 0 " + w + "0 0 " + w + h + "0 0 " + h), 0);
+        ASSERT_EQ(painter->Xrandr("--addmode screen " + mode + " >/dev/null"), 0);
+        ASSERT_EQ(painter->Xrandr("--output screen --mode " + mode + " >/dev/null"), 0);
+    }
+    /// \p place as in "300/100x200/100+10+20", extents with their millimetres; a star before the name marks
+    /// the primary monitor.
+    void SetMonitor(const std::string& name, const std::string& place) {
+        ASSERT_EQ(painter->Xrandr("--setmonitor '" + name + "' " + place + " none"), 0)
+            << "is xrandr installed?";
     }
 
     std::unique_ptr<XServer> server;

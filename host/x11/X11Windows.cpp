@@ -1,4 +1,4 @@
-#include "X11WindowServer.h"
+#include "X11Windows.h"
 
 #include <algorithm>
 #include <fstream>
@@ -51,15 +51,15 @@ std::string process_name(const ProcessSerialNumber& process) {
 
 } // namespace
 
-X11WindowServer::X11WindowServer(const X11Connection& connection)
+X11Windows::X11Windows(const X11Connection& connection)
     : fConnection(connection), fProperties(connection), fList(connection, fProperties) {}
 
-bool X11WindowServer::IsAvailable() {
-    return !xcb_connection_has_error(fConnection.Xcb());
+bool X11Windows::IsAvailable() {
+    return fConnection.IsAlive();
 }
 
 /// What the start saw loses an application at each step, so that nothing is left at the end.
-int X11WindowServer::NextProcess(ProcessSerialNumber& process) {
+int X11Windows::NextProcess(ProcessSerialNumber& process) {
     if (process == ProcessSerialNumber{})
         fWalk = fList.Look();
     else
@@ -70,7 +70,7 @@ int X11WindowServer::NextProcess(ProcessSerialNumber& process) {
     return 0;
 }
 
-int X11WindowServer::FrontProcess(ProcessSerialNumber& process) {
+int X11Windows::FrontProcess(ProcessSerialNumber& process) {
     const WindowId active = active_window();
     for (const X11Window& window : fList.Look()) {
         if (window.id != active)
@@ -81,7 +81,7 @@ int X11WindowServer::FrontProcess(ProcessSerialNumber& process) {
     return -1;
 }
 
-int X11WindowServer::SetFrontProcess(const ProcessSerialNumber& process) {
+int X11Windows::SetFrontProcess(const ProcessSerialNumber& process) {
     std::vector<WindowId> ids;
     OnScreenWindowList(process, ids);
     if (ids.empty())
@@ -97,7 +97,7 @@ int X11WindowServer::SetFrontProcess(const ProcessSerialNumber& process) {
     return 0;
 }
 
-int X11WindowServer::ProcessInformation(const ProcessSerialNumber& process, ProcessInfo& info) {
+int X11Windows::ProcessInformation(const ProcessSerialNumber& process, ProcessInfo& info) {
     const std::vector<X11Window> windows = windows_of(process);
     if (windows.empty())
         return -1;
@@ -118,14 +118,14 @@ int X11WindowServer::ProcessInformation(const ProcessSerialNumber& process, Proc
     return 0;
 }
 
-int X11WindowServer::OnScreenWindowList(const ProcessSerialNumber& process, std::vector<WindowId>& windows) {
+int X11Windows::OnScreenWindowList(const ProcessSerialNumber& process, std::vector<WindowId>& windows) {
     windows.clear();
     for (const X11Window& window : windows_of(process))
         windows.push_back(window.id);
     return 0;
 }
 
-int X11WindowServer::WindowTitle(WindowId window, std::string& title) {
+int X11Windows::WindowTitle(WindowId window, std::string& title) {
     std::optional<std::string> text = fProperties.Text(fProperties.Ask(window, X11Atom::kName));
     if (!text)
         return -1;
@@ -133,7 +133,7 @@ int X11WindowServer::WindowTitle(WindowId window, std::string& title) {
     return 0;
 }
 
-int X11WindowServer::CopyWindowInfo(WindowId window, WindowInfo& info) {
+int X11Windows::CopyWindowInfo(WindowId window, WindowInfo& info) {
     const auto name = fProperties.Ask(window, X11Atom::kLegacyName);
     const auto type = fProperties.Ask(window, X11Atom::kWindowType);
     WindowInfo found;
@@ -146,7 +146,7 @@ int X11WindowServer::CopyWindowInfo(WindowId window, WindowInfo& info) {
     return 0;
 }
 
-int X11WindowServer::ScreenRectForWindow(WindowId window, Rect& rect) {
+int X11Windows::ScreenRectForWindow(WindowId window, Rect& rect) {
     xcb_connection_t* xcb = fConnection.Xcb();
     const auto attributesCookie = xcb_get_window_attributes(xcb, window);
     const auto geometryCookie = xcb_get_geometry(xcb, window);
@@ -181,7 +181,7 @@ int X11WindowServer::ScreenRectForWindow(WindowId window, Rect& rect) {
 }
 
 /// What the walk saw serves the application that it has come to.
-std::vector<X11Window> X11WindowServer::windows_of(const ProcessSerialNumber& process) const {
+std::vector<X11Window> X11Windows::windows_of(const ProcessSerialNumber& process) const {
     const auto isForeign = [&](const X11Window& window) { return window.process != process; };
     std::vector<X11Window> windows = fWalk;
     std::erase_if(windows, isForeign);
@@ -192,13 +192,13 @@ std::vector<X11Window> X11WindowServer::windows_of(const ProcessSerialNumber& pr
     return windows;
 }
 
-WindowId X11WindowServer::active_window() const {
+WindowId X11Windows::active_window() const {
     return fList.HasManager() ? fProperties.NumberOf(fConnection.Root(), X11Atom::kActiveWindow)
                               : window_with_keyboard();
 }
 
 /// The top-level window that the keyboard's input goes to, or 0.
-WindowId X11WindowServer::window_with_keyboard() const {
+WindowId X11Windows::window_with_keyboard() const {
     xcb_connection_t* xcb = fConnection.Xcb();
     const X11Reply<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(xcb, xcb_get_input_focus(xcb), nullptr));
@@ -216,7 +216,7 @@ WindowId X11WindowServer::window_with_keyboard() const {
 }
 
 /// The id of the desktop file that the window names, or an empty text.
-std::string X11WindowServer::desktop_file_of(WindowId window) const {
+std::string X11Windows::desktop_file_of(WindowId window) const {
     const auto asked = fProperties.Ask(window, X11Atom::kGtkApplication);
     const auto askedToo = fProperties.Ask(window, X11Atom::kDesktopFile);
     const std::string gtk = fProperties.Text(asked).value_or("");
@@ -225,7 +225,7 @@ std::string X11WindowServer::desktop_file_of(WindowId window) const {
 }
 
 /// A window may name several types, the best first.
-int X11WindowServer::level_of(X11Properties::Question windowType) const {
+int X11Windows::level_of(X11Properties::Question windowType) const {
     static constexpr struct {
         X11Atom type;
         int level;
@@ -244,7 +244,7 @@ int X11WindowServer::level_of(X11Properties::Question windowType) const {
 }
 
 /// Asks the window manager, as a taskbar does.
-void X11WindowServer::activate(WindowId window) const {
+void X11Windows::activate(WindowId window) const {
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
@@ -257,7 +257,7 @@ void X11WindowServer::activate(WindowId window) const {
 }
 
 /// Does what a window manager would. Windows that have gone meanwhile are left out.
-void X11WindowServer::raise(const std::vector<WindowId>& windows) const {
+void X11Windows::raise(const std::vector<WindowId>& windows) const {
     xcb_connection_t* xcb = fConnection.Xcb();
     const uint32_t above = XCB_STACK_MODE_ABOVE;
     std::vector<xcb_void_cookie_t> cookies;
