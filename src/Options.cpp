@@ -4,7 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "vnCaptureServer.h"
+#include "vnController.h"
 
 namespace {
 
@@ -24,9 +24,9 @@ HostLoader::Choice choice_named(const std::string& name) {
 
 } // namespace
 
-std::optional<int> Options::Parse(int argc, char** argv) {
-    port = vnCaptureServer::kDefaultPort;
-    CLI::App app{"Serves this machine's screen to a vision mixer on the network.", "glasspaned"};
+std::optional<int> Options::Parse(const Program& program, int argc, char** argv) {
+    port = vnController::kDefaultPort;
+    CLI::App app{program.description, program.name};
     std::string hostName = "auto";
     app.add_option(
            "--host", hostName,
@@ -42,19 +42,21 @@ std::optional<int> Options::Parse(int argc, char** argv) {
         ->option_text("ADDR");
     app.add_option("--display", display, "X display to serve, as in :0. Default: $DISPLAY")
         ->option_text(":N");
-    app.set_version_flag("--version", "glasspaned " GLASSPANE_VERSION);
+    if (program.hasPanel)
+        app.add_flag("--minimized", minimized, "Start with the status item alone");
+    app.set_version_flag("--version", std::string(program.name) + " " GLASSPANE_VERSION);
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0)
             return app.exit(error);
-        std::fprintf(stderr, "glasspaned: %s; --help tells the options\n", error.what());
+        std::fprintf(stderr, "%s: %s; --help tells the options\n", program.name, error.what());
         return kWrongUsage;
     }
     host = choice_named(hostName);
     if (!display.empty() && host == HostLoader::Choice::kBuiltin) {
-        std::fputs("glasspaned: --display needs X11, and --host builtin is the test card\n", stderr);
+        std::fprintf(stderr, "%s: --display needs X11, and --host builtin is the test card\n", program.name);
         return kWrongUsage;
     }
     return std::nullopt;

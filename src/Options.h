@@ -5,10 +5,18 @@
 
 #include "HostLoader.h"
 
-/// The command line of glasspaned.
+/// The command line of a program that serves.
 struct Options {
+    /// What differs from program to program.
+    struct Program {
+        const char* name;
+        const char* description;
+        bool hasPanel; ///< Which can be left out at first.
+    };
+
     HostLoader::Choice host = HostLoader::Choice::kAuto;
     int port = 0;
+    bool minimized = false;  ///< Start with the status item alone.
     std::string bindAddress; ///< Empty for all interfaces.
     std::string display;     ///< Empty for the environment's.
 
@@ -17,5 +25,5 @@ struct Options {
 
     /// Reads the arguments. The exit status when the program has nothing more to do: 0 after help or version,
     /// 2 after a message about wrong usage.
-    std::optional<int> Parse(int argc, char** argv);
+    std::optional<int> Parse(const Program& program, int argc, char** argv);
 };

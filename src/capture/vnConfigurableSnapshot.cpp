@@ -104,6 +104,11 @@ zRect vnConfigurableSnapshot::MaximumRect() {
     return has_last_focus_rect() ? fLastFocusRect : zRect();
 }
 
+void vnConfigurableSnapshot::FollowDisplay() {
+    for (vnSnapshot* device : fDevices)
+        device->FollowDisplay();
+}
+
 void vnConfigurableSnapshot::AddDevice(const char* name, vnSnapshot* device) {
     if (!name || !device)
         return;

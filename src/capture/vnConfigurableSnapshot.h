@@ -25,6 +25,7 @@ class vnConfigurableSnapshot : public vnSnapshot {
     int MouseInfo(zRect& rect, zBuffer& image, int& rowBytes, int& colorSpace) override;
     int Grab(vnSnapshotBuffer** buffer, const zRect& crop, zRect* captured) override;
     zRect MaximumRect() override;
+    void FollowDisplay() override;
 
     /// Takes ownership of \p device, under a copy of \p name. Nothing if either is null.
     void AddDevice(const char* name, vnSnapshot* device);

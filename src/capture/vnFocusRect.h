@@ -39,6 +39,8 @@ class vnFocusRect : public vnFocus {
 
     /// Appends a copy, with a new "preset_id".
     void AddPreset(const zRecord& preset);
+    /// Empties the list; the preset in force stays.
+    void RemoveAllPresets() { fPresets.RemoveAndDeleteAllChildren(); }
     /// Overwrites the preset of the same "preset_id" by a copy; nothing if there is none.
     void ChangePreset(const zRecord& preset);
     /// Copies the list: a child for each preset.

@@ -45,6 +45,10 @@ class vnSnapshot {
     /// What a Grab without a crop covers, in screen coordinates.
     virtual zRect MaximumRect() = 0;
 
+    /// Closes and opens the device again, if it is open, where its display has another place or size than it
+    /// had when it was opened.
+    virtual void FollowDisplay() {}
+
     /// Counts a user; the first one brings the device up. 0, or what that gave.
     int Open();
 

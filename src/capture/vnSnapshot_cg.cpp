@@ -28,7 +28,7 @@ int vnSnapshot_cg::do_open() {
 }
 
 int vnSnapshot_cg::Grab(vnSnapshotBuffer** buffer, const zRect& crop, zRect* captured) {
-    if (!buffer)
+    if (!buffer || !MaximumRect().Valid())
         return -1;
     replace_foreign(buffer, vnSnapBuff_cg::kTypeTag);
 

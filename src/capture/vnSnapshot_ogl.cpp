@@ -106,10 +106,18 @@ int vnSnapshot_ogl::SetDisplay(host::DisplayId display) {
     return is_open() ? do_open() : 0;
 }
 
-void vnSnapshot_ogl::update_device_rect() {
+void vnSnapshot_ogl::FollowDisplay() {
+    if (!is_open() || place_of_display() == fDeviceRect)
+        return;
+    do_close();
+    update_device_rect(); // Also of a display that has gone, which doesn't open.
+    do_open();
+}
+
+zRect vnSnapshot_ogl::place_of_display() const {
     host::Displays& displays = host::Host::Current().DisplaysPort();
     const host::Rect bounds = displays.Bounds(fDisplay ? fDisplay : displays.MainDisplay());
-    fDeviceRect = zRect::FromOriginAndSize(bounds.x, bounds.y, bounds.width, bounds.height);
+    return zRect::FromOriginAndSize(bounds.x, bounds.y, bounds.width, bounds.height);
 }
 
 zRect vnSnapshot_ogl::local_rect(const zRect& crop) const {

@@ -24,7 +24,9 @@ class vnSnapshot_ogl : public vnSnapshot {
     bool IsScreenSaverActive() override { return false; }
     int MouseInfo(zRect& rect, zBuffer& image, int& rowBytes, int& colorSpace) override;
     int Grab(vnSnapshotBuffer** buffer, const zRect& crop, zRect* captured) override;
+    /// Not Valid() once the display has gone.
     zRect MaximumRect() override { return fDeviceRect; }
+    void FollowDisplay() override;
 
     /// Moves the device to another display, reopening it there if it is open. 0, or what the opening gave.
     int SetDisplay(host::DisplayId display);
@@ -37,8 +39,11 @@ class vnSnapshot_ogl : public vnSnapshot {
     /// Puts a new buffer of the device's own kind in the place of one that isn't, or isn't there.
     void replace_foreign(vnSnapshotBuffer** buffer, uint32_t ownTypeTag);
 
+    /// Where the display is now; not Valid() without it.
+    zRect place_of_display() const;
+
     /// Reads the display's place anew.
-    void update_device_rect();
+    void update_device_rect() { fDeviceRect = place_of_display(); }
 
     /// Turns crop insets (see vnSnapshot::Grab) into a rectangle that counts from the display's left top
     /// corner.

@@ -29,6 +29,12 @@ int vnRPC_Call::AddPicture(vnEncoderBuffer* picture) {
     return AddSection(picture, kPictureType, "Content-ID", id);
 }
 
+zString vnRPC_Call::SectionName(const char* kind, int section) {
+    zString name;
+    name.sprintf("section_%s_%d", kind, section);
+    return name;
+}
+
 void vnRPC_Call::SetPicture() {
     zString reference;
     cUtils::XOP_MakeReference(reference, kPictureId);

@@ -10,6 +10,7 @@ class cBuffer;
 class vnEncoderBuffer;
 class vnRPC_SnapshotMouse;
 class zRecord;
+class zString;
 
 inline bool vnRPC_SameSize(const zRect& a, const zRect& b) {
     return a.Width() == b.Width() && a.Height() == b.Height();
@@ -28,6 +29,9 @@ struct vnRPC_Call {
 
     /// Appends a picture's section. Returns its number.
     int AddPicture(vnEncoderBuffer* picture);
+
+    /// The reply's variable that tells something of a section, as in "section_rect_1".
+    static zString SectionName(const char* kind, int section);
 
     /// Makes the reply refer to its picture.
     void SetPicture();

@@ -1,12 +1,8 @@
 #include "vnRPC_SnapshotByDiffs.h"
 
-#include <cstdlib>
 #include <utility>
 
 #include "cMultipartRecord.h"
-#include "cUtils.h"
-#include "vnAudio.h"
-#include "vnAudioBuffer.h"
 #include "vnRPC_Encoder.h"
 #include "vnRPC_SnapshotMouse.h"
 #include "vnScreenDiffs.h"
@@ -21,9 +17,6 @@ namespace {
 
 constexpr const char* kMethod = "SnapshotByDiffs";
 constexpr const char* kMethodWithAudio = "SnapshotByDiffsWithAudio";
-
-constexpr const char* kAudioId = "id_audio";
-constexpr const char* kAudioType = "audio/raw";
 
 /// The largest extent, each way, of a frame that is sent by diffs.
 constexpr int kMaximumExtent = 2048;
@@ -50,12 +43,6 @@ zRect limited(zRect rect) {
 
 bool is_method(const char* name, const char* method) {
     return name && zString::strcasecmp(name, method) == 0;
-}
-
-zString section_name(const char* kind, int section) {
-    zString name;
-    name.sprintf("section_%s_%d", kind, section);
-    return name;
 }
 
 int aligned_inset(int from, int to) {
@@ -120,9 +107,9 @@ int vnRPC_SnapshotByDiffs::snapshot_by_diffs(vnRPC_Call& call, bool withAudio) {
         hasPicture = add_frame(request.quality, call);
     const bool isAudioEnabled = fDevice->AudioIsEnabled();
     if (isAudioEnabled && withAudio)
-        add_audio(call);
+        fSound.AddTo(call);
     if (!isAudioEnabled)
-        stop_audio();
+        fSound.Stop();
     fill_reply(hasPicture, call);
     return 0;
 }
@@ -194,7 +181,7 @@ void vnRPC_SnapshotByDiffs::add_diff(const vnDiffBuffer& diff, uint32_t quality,
     vnEncoderBuffer* picture = encoder->NewBuffer();
     encoder->EncodeJPEG(*picture, frame.Data(), frame.Size(), quality);
 
-    call.reply.SetRect(section_name("rect", call.AddPicture(picture)), diff.rect);
+    call.reply.SetRect(vnRPC_Call::SectionName("rect", call.AddPicture(picture)), diff.rect);
     fTick.captured = fTick.captured.Union(diff.rect);
 }
 
@@ -205,53 +192,6 @@ bool vnRPC_SnapshotByDiffs::add_frame(uint32_t quality, vnRPC_Call& call) {
     call.AddPicture(fEncoder.AddRefToPicture());
     call.reply.SetRect("section_rect_1", fTick.captured);
     return true;
-}
-
-void vnRPC_SnapshotByDiffs::add_audio(vnRPC_Call& call) {
-    if (!fAudio) {
-        fAudio.reset(vnAudio::Factory());
-        fAudio->Start();
-    }
-    // A gap sets the clock to the machine's time; while sound flows it counts samples.
-    if (!add_sound(call))
-        fAudioClock = zTime::MicroNow();
-}
-
-/// False when there is no sound to send.
-bool vnRPC_SnapshotByDiffs::add_sound(vnRPC_Call& call) {
-    void* data = nullptr;
-    unsigned size = 0;
-    unsigned channels = 0;
-    unsigned rate = 0;
-    BUFFER_TYPE type = 0;
-    unsigned long long hostTime = 0;
-    fAudio->Grab(&data, &size, &channels, &rate, &type, &hostTime);
-    unsigned char* samples = nullptr;
-    int bytes = 0;
-    if (size == 0 || !fAudio->ConvertAudioFrame(data, static_cast<int>(size), type, static_cast<int>(rate),
-                                                static_cast<int>(channels), &samples, bytes))
-        return false;
-    if (!samples || bytes <= 0) {
-        std::free(samples);
-        return false;
-    }
-
-    zString id;
-    cUtils::XOP_MakeContentIDHeaderString(id, kAudioId);
-    const int section =
-        call.AddSection(new vnAudioBuffer(samples, bytes, true), kAudioType, "Audio-Content-ID", id);
-    call.reply.SetUInt32(section_name("channels", section), vnAudio::kWireChannels);
-    call.reply.SetUInt32(section_name("rate", section), vnAudio::kWireRate);
-    const uint64_t frames = static_cast<uint64_t>(bytes) / vnAudio::kWireFrameBytes;
-    fAudioClock += static_cast<int64_t>(frames * 1'000'000 / vnAudio::kWireRate);
-    call.reply.SetInt64("audiotimestamp", fAudioClock);
-    return true;
-}
-
-void vnRPC_SnapshotByDiffs::stop_audio() {
-    if (fAudio)
-        fAudio->Stop();
-    fAudio.reset();
 }
 
 void vnRPC_SnapshotByDiffs::fill_reply(bool hasPicture, vnRPC_Call& call) {

@@ -6,9 +6,9 @@
 #include "cRPCExecutor.h"
 #include "vnRPC_Call.h"
 #include "vnRPC_FrameEncoder.h"
+#include "vnRPC_Sound.h"
 #include "vnSignalThread.h"
 
-class vnAudio;
 class vnRPC_SnapshotMouse;
 class vnScreenDiffs;
 class vnSnapshot;
@@ -60,9 +60,6 @@ class vnRPC_SnapshotByDiffs : public cRPCExecutor, public vnSignalThread {
     bool can_send(const vnDiffBuffer& diff, uint32_t clientSequence) const;
     void add_diff(const vnDiffBuffer& diff, uint32_t quality, vnRPC_Call& call);
     bool add_frame(uint32_t quality, vnRPC_Call& call);
-    void add_audio(vnRPC_Call& call);
-    bool add_sound(vnRPC_Call& call);
-    void stop_audio();
     void fill_reply(bool hasPicture, vnRPC_Call& call);
 
     bool can_capture_diffs();
@@ -82,11 +79,10 @@ class vnRPC_SnapshotByDiffs : public cRPCExecutor, public vnSignalThread {
     int fRefreshCounter = 0; ///< Ticks since a refresh was forced.
     bool fMuted = false;     ///< The last request was answered as muted. Server's thread only.
     std::unique_ptr<vnScreenDiffs> fDiffer;
-    std::unique_ptr<vnAudio> fAudio; ///< From the first call with audio until one finds that disabled.
-    uint32_t fSequence = 0;          ///< The newest state of the picture.
+    vnRPC_Sound fSound;
+    uint32_t fSequence = 0; ///< The newest state of the picture.
     zList<vnDiffBuffer*> fPool;
     std::unique_ptr<vnDiffBuffer> fFrame;
     zRect fCrop; ///< Four insets: those of the last request.
     vnRPC_TickState fTick;
-    int64_t fAudioClock = 0; ///< Microseconds: counts samples while sound flows.
 };

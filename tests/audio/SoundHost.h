@@ -36,6 +36,13 @@ class SoundHost : public FakeHost, private host::AudioDevice, private host::Audi
                                  [this] { return fQueue.empty() && fWaiting; });
     }
 
+    /// Lets every look at the device hang, ten seconds at most, or go on.
+    void Hang(bool hangs) {
+        const std::lock_guard hold(fMutex);
+        fHangs = hangs;
+        fChanged.notify_all();
+    }
+
     /// Makes the wait for data fail from now on.
     void BreakQueue() {
         const std::lock_guard hold(fMutex);
@@ -96,6 +103,8 @@ class SoundHost : public FakeHost, private host::AudioDevice, private host::Audi
 
     int DefaultOutputDevice(host::AudioDeviceId& device) override {
         device = 5;
+        std::unique_lock hold(fMutex);
+        fChanged.wait_for(hold, std::chrono::seconds(10), [this] { return !fHangs; });
         return answer();
     }
     int StreamConfiguration(host::AudioDeviceId, std::vector<uint32_t>& out) override {
@@ -124,4 +133,5 @@ class SoundHost : public FakeHost, private host::AudioDevice, private host::Audi
     std::deque<std::vector<float>> fQueue;
     bool fWaiting = false;
     bool fBroken = false;
+    bool fHangs = false;
 };

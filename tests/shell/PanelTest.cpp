@@ -1,0 +1,208 @@
+#include "ShellFixture.h"
+
+namespace {
+
+using testing::ElementsAre;
+using enum vnControl;
+
+// Presets by their place in the popup.
+constexpr int kFullScreen = 0;
+constexpr int kRegion = 1;
+constexpr int kCentered320 = 3;
+constexpr int kCustom = 4;
+constexpr int kWindowItem = 3; // Behind two displays and a separator.
+
+class PanelTest : public ShellTest {
+  protected:
+    PanelTest() { Launch(); }
+};
+
+TEST_F(PanelTest, ShowsAfterTheLaunchWhatIsServed) {
+    EXPECT_THAT(Titles(fDevicePopup),
+                ElementsAre("vn_display_number", "vn_display_number", "-", "vn_window"));
+    EXPECT_THAT(Titles(fSelectPopup),
+                ElementsAre("vn_full_screen", "vn_select_screen_region", "vn_800x600_centered",
+                            "vn_320x240_centered", "vn_custom_centered"));
+    EXPECT_EQ(State(fDevicePopup).selected, 0);
+    EXPECT_EQ(State(fSelectPopup).selected, kFullScreen);
+    EXPECT_EQ(State(muteButton).text, "vn_pause");
+    EXPECT_EQ(State(widthTextField).text, "64");
+    EXPECT_THAT(State(addrTextField).text, testing::StartsWith("vn_network_address_label "));
+    EXPECT_TRUE(State(captureVideo).hidden) << "the label states that video is captured";
+    EXPECT_FALSE(State(captureVideoLabel).hidden);
+    EXPECT_EQ(Picture(), "0,0,64x48");
+    EXPECT_EQ(interface.panelsShown, 1);
+}
+
+TEST_F(PanelTest, TakesTheShapeOfTheSource) {
+    const struct {
+        const char* what;
+        vnControl popup;
+        int item;
+        bool hasWindowPopup, hasSizeFields, hasRegionButton;
+        int extraHeight;
+    } kSteps[] = {
+        {"region", fSelectPopup, kRegion, false, false, true, 30},
+        {"custom size: one row goes, another comes", fSelectPopup, kCustom, false, true, false, 30},
+        {"the same shape again", fSelectPopup, kCustom, false, true, false, 30},
+        {"full screen", fSelectPopup, kFullScreen, false, false, false, 0},
+        {"windows", fDevicePopup, kWindowItem, true, false, false, 30},
+        {"the other display", fDevicePopup, 1, false, false, false, 0},
+    };
+    for (const auto& step : kSteps) {
+        panel().Choose(step.popup, step.item);
+        EXPECT_EQ(!State(fWindowPopup).hidden, step.hasWindowPopup) << step.what;
+        EXPECT_EQ(!State(windowTextField).hidden, step.hasWindowPopup) << step.what;
+        EXPECT_EQ(!State(heightTextField).hidden, step.hasSizeFields) << step.what;
+        EXPECT_EQ(!State(selectRegionButton).hidden, step.hasRegionButton) << step.what;
+        EXPECT_EQ(panel().ExtraHeight(), step.extraHeight) << step.what;
+    }
+}
+
+TEST_F(PanelTest, LimitsTypedSizesToTheDisplay) {
+    panel().Choose(fSelectPopup, kCustom);
+    const struct {
+        const char *width, *height, *shownWidth, *shownHeight, *picture;
+    } kCases[] = {
+        {"20", "10", "20", "10", "22,19,20x10"},  {"0", "10", "64", "10", "0,19,64x10"},
+        {"65", "49", "64", "48", "0,0,64x48"},    {"1", "2", "64", "2", "0,23,64x2"},
+        {"2", "2", "2", "2", "31,23,2x2"},        {"-5", "99999999999999", "64", "48", "0,0,64x48"},
+        {"rubbish", "", "64", "48", "0,0,64x48"},
+    };
+    for (const auto& c : kCases) {
+        panel().Type(widthTextField, c.width);
+        panel().Type(heightTextField, c.height);
+        // Each field counts by itself: the second entry is judged with what the first one became.
+        EXPECT_EQ(State(widthTextField).text, c.shownWidth) << c.width << " x " << c.height;
+        EXPECT_EQ(State(heightTextField).text, c.shownHeight) << c.width << " x " << c.height;
+        EXPECT_EQ(Picture(), c.picture) << c.width << " x " << c.height;
+    }
+    EXPECT_EQ(SelectedTitle(fSelectPopup), "vn_custom_centered");
+}
+
+TEST_F(PanelTest, FollowsTheDisplayAndBeginsItsPresetsAnew) {
+    panel().Choose(fSelectPopup, kCustom);
+    panel().Type(widthTextField, "20");
+    panel().Choose(fDevicePopup, 1);
+    EXPECT_EQ(Picture(), "64,10,100x80");
+    EXPECT_EQ(SelectedTitle(fSelectPopup), "vn_full_screen");
+    EXPECT_EQ(State(fSelectPopup).items.size(), 5U) << "no preset of the other display is left";
+    panel().Choose(fSelectPopup, kCustom);
+    EXPECT_EQ(State(widthTextField).text, "100");
+    panel().Choose(fSelectPopup, kCentered320);
+    EXPECT_EQ(State(widthTextField).text, "320") << "a preset's size isn't limited, only a typed one";
+}
+
+TEST_F(PanelTest, ChoosesWindowsByApplication) {
+    panel().Choose(fDevicePopup, kWindowItem);
+    EXPECT_TRUE(IsOnWindow());
+    EXPECT_EQ(controller.Front().CurrentDeviceIndex(), -1);
+    EXPECT_THAT(Titles(fSelectPopup), ElementsAre("Editor", "Browser"))
+        << "one without windows isn't offered";
+    EXPECT_THAT(Titles(fWindowPopup), ElementsAre("Letter", "Notes"));
+    EXPECT_EQ(State(selectTextField).text, "vn_application_label");
+    EXPECT_EQ(Picture(), "5,6,30x20");
+    panel().Choose(fWindowPopup, 1);
+    EXPECT_EQ(Picture(), "50,8,40x30");
+    panel().Choose(fSelectPopup, 1);
+    EXPECT_THAT(Titles(fWindowPopup), ElementsAre("News"));
+    EXPECT_EQ(Picture(), "70,10,24x16");
+
+    // The window is closed between listing and choosing: nothing changes.
+    panel().Choose(fSelectPopup, 0);
+    machine.applications.clear();
+    panel().Choose(fSelectPopup, 1);
+    EXPECT_THAT(Titles(fWindowPopup), ElementsAre());
+    EXPECT_TRUE(IsOnWindow());
+
+    panel().Choose(fDevicePopup, 0);
+    EXPECT_FALSE(IsOnWindow());
+    EXPECT_EQ(State(selectTextField).text, "vn_selection_label");
+}
+
+TEST_F(PanelTest, OffersNoWindowsWhereThereAreNone) {
+    machine.applications.clear();
+    panel().Choose(fDevicePopup, kWindowItem);
+    EXPECT_TRUE(IsOnWindow());
+    EXPECT_THAT(Titles(fSelectPopup), ElementsAre());
+    EXPECT_THAT(Titles(fWindowPopup), ElementsAre());
+}
+
+TEST_F(PanelTest, PausesAndResumes) {
+    panel().Choose(fSelectPopup, kRegion);
+    panel().Press(muteButton);
+    EXPECT_TRUE(controller.Front().IsPaused());
+    EXPECT_EQ(State(muteButton).text, "vn_resume");
+    for (const vnControl control :
+         {fDevicePopup, fSelectPopup, widthTextField, selectRegionButton, captureAudio})
+        EXPECT_FALSE(State(control).enabled) << static_cast<int>(control);
+    panel().Choose(fDevicePopup, 1);
+    EXPECT_EQ(controller.Front().CurrentDeviceIndex(), 0) << "disabled";
+
+    interface.OpenStatusMenu();
+    interface.ChooseFromStatusMenu(2, 1);
+    EXPECT_EQ(Picture(), "50,8,40x30") << "the status menu goes on working";
+
+    panel().Press(muteButton);
+    EXPECT_FALSE(controller.Front().IsPaused());
+    EXPECT_TRUE(State(fDevicePopup).enabled);
+}
+
+TEST_F(PanelTest, KeepsOneOfVideoAndAudioOn) {
+    panel().Switch(captureAudio);
+    EXPECT_FALSE(controller.Front().AudioIsEnabled());
+    panel().SetHidden(captureVideo, false);
+    panel().Switch(captureVideo);
+    EXPECT_TRUE(State(captureVideo).on) << "both off: video is switched on again";
+    EXPECT_TRUE(controller.Front().VideoIsEnabled());
+    panel().Switch(captureAudio);
+    panel().Switch(captureVideo);
+    EXPECT_FALSE(controller.Front().VideoIsEnabled());
+    EXPECT_FALSE(State(fDevicePopup).enabled);
+    panel().Switch(captureAudio);
+    EXPECT_TRUE(State(captureAudio).on) << "both off: audio is switched on again";
+    EXPECT_TRUE(controller.Front().AudioIsEnabled());
+}
+
+TEST_F(PanelTest, ServesTheRegionThatTheUserDraws) {
+    panel().Choose(fDevicePopup, 1);
+    panel().Choose(fSelectPopup, kRegion);
+    panel().Press(selectRegionButton);
+    EXPECT_FALSE(State(selectRegionButton).enabled);
+    vnRegionSelector& overlay = *controller.RegionSelector();
+    EXPECT_TRUE(overlay.IsShown());
+
+    // 21 by 30 pixels, 7 above the bottom edge of a display at (64, 10) of 100 by 80.
+    overlay.View().SetSelection({3, 7, 21, 30});
+    overlay.View().KeyDown(13);
+    EXPECT_TRUE(State(selectRegionButton).enabled);
+    EXPECT_EQ(Picture(), "67,53,22x30") << "of an even width";
+
+    // It begins where it ended; a cancelled one changes nothing.
+    machine.Tick(100);
+    EXPECT_FALSE(overlay.IsShown());
+    panel().Press(selectRegionButton);
+    EXPECT_EQ(overlay.View().Selection(), (host::Rect{3, 7, 22, 30}));
+    overlay.View().SetSelection({0, 0, 50, 50});
+    overlay.View().CancelOperation();
+    EXPECT_TRUE(overlay.GetSelectionWasCancelled());
+    EXPECT_TRUE(State(selectRegionButton).enabled);
+    EXPECT_EQ(Picture(), "67,53,22x30");
+
+    panel().Choose(fDevicePopup, 0);
+    EXPECT_EQ(Picture(), "0,0,64x48");
+}
+
+TEST_F(PanelTest, SurvivesADisplayThatGoesWhileTheOverlayIsUp) {
+    panel().Choose(fDevicePopup, 1);
+    panel().Choose(fSelectPopup, kRegion);
+    panel().Press(selectRegionButton);
+    machine.displays.resize(1);
+    controller.RegionSelector()->View().KeyDown(13);
+    machine.Tick(100);
+    EXPECT_TRUE(State(selectRegionButton).enabled);
+    panel().Press(selectRegionButton);
+    controller.RegionSelector()->View().CancelOperation();
+}
+
+} // namespace

@@ -1,0 +1,182 @@
+#include "ShellFixture.h"
+
+#include "vnRegionSelector.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+/// Notes what the overlay asks of its window and canvas.
+class NotingInterface : public vnUserInterface {
+  public:
+    struct Notes {
+        host::Rect frame;
+        std::vector<double> alphas;
+        vnCursor cursor = vnCursor::kArrow;
+        bool exists = false;
+    } notes;
+
+    std::unique_ptr<vnRegionSelectorWindow> NewRegionSelectorWindow(vnRegionSelectorView&) override {
+        return std::make_unique<Window>(notes);
+    }
+
+  private:
+    class Window : public vnRegionSelectorWindow {
+      public:
+        explicit Window(Notes& notes) : fNotes(notes) { fNotes.exists = true; }
+        ~Window() override { fNotes.exists = false; }
+        void Open(const host::Rect& frame) override { fNotes.frame = frame; }
+        void SetAlpha(double alpha) override { fNotes.alphas.push_back(alpha); }
+        void SetCursor(vnCursor cursor) override { fNotes.cursor = cursor; }
+
+      private:
+        Notes& fNotes;
+    };
+};
+
+class RegionSelectorTest : public testing::Test, private vnRegionSelectorDelegate {
+  protected:
+    RegionSelectorTest() {
+        selector.SetDelegate(this);
+        selector.SetScreen(host::Rect{1000, 50, 640, 480});
+        selector.SetSelection({1100, 100, 200, 150}); // (100, 100) in the view
+        selector.Show();
+    }
+    void selectionComplete(const host::Rect& selection) override { completed.push_back(selection); }
+
+    void Drag(const host::Point& from, const host::Point& to) {
+        view.MouseDown(from);
+        view.MouseDragged({(from.x + to.x) / 2, (from.y + to.y) / 2});
+        view.MouseDragged(to);
+        view.MouseUp();
+    }
+
+    FakeDesk machine;
+    host::HostScope scope{machine};
+    NotingInterface interface;
+    vnRegionSelector selector{interface, "the hint"};
+    vnRegionSelectorView& view = selector.View();
+    std::vector<host::Rect> completed;
+};
+
+TEST_F(RegionSelectorTest, FadesInAndOutInThirtyTicksEach) {
+    EXPECT_EQ(interface.notes.frame, (host::Rect{1000, 50, 640, 480}));
+    machine.Tick(29);
+    EXPECT_LT(interface.notes.alphas.back(), 1);
+    machine.Tick(1);
+    EXPECT_EQ(interface.notes.alphas.back(), 1);
+    EXPECT_EQ(machine.TimerCount(), 0U);
+
+    view.KeyDown('x');
+    EXPECT_TRUE(completed.empty());
+    view.KeyDown(3);
+    EXPECT_THAT(completed, ElementsAre(host::Rect{1100, 100, 200, 150})) << "told at once, while it fades";
+    EXPECT_FALSE(selector.GetSelectionWasCancelled());
+    machine.Tick(29);
+    view.KeyDown(3);
+    view.CancelOperation();
+    EXPECT_EQ(completed.size(), 1U) << "keys count once";
+    EXPECT_TRUE(interface.notes.exists);
+    machine.Tick(1);
+    EXPECT_FALSE(interface.notes.exists);
+    EXPECT_EQ(machine.TimerCount(), 0U);
+}
+
+TEST_F(RegionSelectorTest, IsShownAgainWhileItFadesOut) {
+    machine.Tick(30);
+    view.CancelOperation();
+    EXPECT_TRUE(selector.GetSelectionWasCancelled());
+    EXPECT_THAT(completed, ElementsAre(host::Rect{}));
+    machine.Tick(10);
+    selector.Show();
+    machine.Tick(60);
+    EXPECT_TRUE(interface.notes.exists);
+    EXPECT_EQ(interface.notes.alphas.back(), 1);
+    EXPECT_EQ(view.Selection(), (host::Rect{100, 100, 200, 150}));
+}
+
+TEST_F(RegionSelectorTest, HasEightHandlesAndTheirCursors) {
+    const struct {
+        host::Point place;
+        int corner;
+        vnCursor cursor;
+    } kCases[] = {
+        {{100, 175}, 1, vnCursor::kResizeLeftRight}, {{300, 175}, 2, vnCursor::kResizeLeftRight},
+        {{200, 250}, 3, vnCursor::kResizeUpDown},    {{200, 100}, 4, vnCursor::kResizeUpDown},
+        {{100, 250}, 5, vnCursor::kCornerLR},        {{300, 250}, 6, vnCursor::kCornerRL},
+        {{100, 100}, 7, vnCursor::kCornerRL},        {{300, 100}, 8, vnCursor::kCornerLR},
+        {{200, 175}, 0, vnCursor::kOpenHand},        {{50, 50}, 0, vnCursor::kArrow},
+        {{94, 175}, 1, vnCursor::kResizeLeftRight},  {{92, 175}, 0, vnCursor::kArrow},
+    };
+    for (const auto& c : kCases) {
+        view.MouseMoved(c.place);
+        EXPECT_EQ(view.SelectedCorner(), c.corner) << c.place.x << "," << c.place.y;
+        EXPECT_EQ(interface.notes.cursor, c.cursor) << c.place.x << "," << c.place.y;
+    }
+    EXPECT_EQ(view.RectForCorner(9), (host::Rect{-7, -7, 14, 14}));
+    view.SetSelection({100, 100, 10, 10});
+    view.MouseMoved({103, 107});
+    EXPECT_EQ(view.SelectedCorner(), 1) << "of those that overlap the first one";
+}
+
+TEST_F(RegionSelectorTest, DragsWithinTheDisplay) {
+    const host::Rect start{100, 100, 200, 150};
+    const struct {
+        const char* what;
+        host::Point from, to;
+        host::Rect selection;
+    } kCases[] = {
+        {"the left edge", {100, 175}, {90, 170}, {90, 100, 210, 150}},
+        {"the top right corner", {300, 250}, {310, 270}, {100, 100, 210, 170}},
+        {"the bottom left corner", {100, 100}, {110, 120}, {110, 120, 190, 130}},
+        {"the right edge, too far to the left", {300, 175}, {20, 175}, {100, 100, 24, 150}},
+        {"the left edge, too far: it pushes", {100, 175}, {350, 175}, {350, 100, 24, 150}},
+        {"all of it", {200, 175}, {210, 155}, {110, 80, 200, 150}},
+        {"all of it beyond the right edge and the top", {200, 175}, {900, 900}, {440, 330, 200, 150}},
+        {"all of it beyond the left edge and the bottom", {200, 175}, {-900, -900}, {0, 0, 200, 150}},
+        {"a handle, there and back", {300, 250}, {300, 250}, start},
+        {"outside", {20, 20}, {60, 60}, start},
+    };
+    for (const auto& c : kCases) {
+        view.SetSelection(start);
+        Drag(c.from, c.to);
+        EXPECT_EQ(view.Selection(), c.selection) << c.what;
+        EXPECT_EQ(view.InfoBox().y, c.selection.y + c.selection.height + 20) << c.what;
+        EXPECT_EQ(view.InfoBox().x, c.selection.x + c.selection.width / 2 - 165) << c.what;
+    }
+    view.SetSelection({100, 100, 20, 20});
+    view.MouseDown({110, 110});
+    view.MouseUp();
+    EXPECT_EQ(view.Selection(), (host::Rect{100, 100, 20, 20})) << "a click changes nothing";
+    view.SetSelection(start);
+    view.MouseDown({200, 175});
+    EXPECT_EQ(interface.notes.cursor, vnCursor::kClosedHand);
+    view.MouseUp();
+    EXPECT_EQ(interface.notes.cursor, vnCursor::kOpenHand);
+}
+
+TEST_F(RegionSelectorTest, DrawsInItsOrder) {
+    struct Canvas : vnCanvas {
+        std::vector<std::string> drawn;
+        double dimmed = 0; // pixels
+        void FillRect(const host::Rect& rect, double white, double alpha) override {
+            drawn.push_back("fill " + std::to_string(static_cast<int>(white * 10 + alpha * 10)));
+            dimmed += alpha == 0.7 ? rect.width * rect.height : 0;
+        }
+        void DrawDottedFrame(const host::Rect&) override { drawn.push_back("frame"); }
+        void DrawImage(const char* name, const host::Point&) override { drawn.push_back(name); }
+        void DrawLabel(const host::Rect& rect, const char* text, double) override {
+            drawn.push_back(text);
+            EXPECT_EQ(rect.width, 310);
+            EXPECT_EQ(rect.height, 40);
+        }
+    } canvas;
+    view.MouseMoved({300, 175});
+    view.Draw(canvas);
+    EXPECT_THAT(canvas.drawn,
+                ElementsAre("fill 11", "fill 7", "fill 7", "fill 7", "fill 7", "frame", "knob", "knobDown",
+                            "knob", "knob", "knob", "knob", "knob", "knob", "fill 10", "the hint"));
+    EXPECT_EQ(canvas.dimmed, 640 * 480 - 200 * 150);
+}
+
+} // namespace
