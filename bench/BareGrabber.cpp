@@ -75,10 +75,10 @@ BareX11::~BareX11() {
     shmdt(fPixels);
 }
 
-BarePixels BareX11::Grab() {
-    const auto cookie =
-        xcb_shm_get_image(fConnection, fRoot, 0, 0, static_cast<uint16_t>(fWidth),
-                          static_cast<uint16_t>(fHeight), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, fSegment, 0);
+BarePixels BareX11::Grab(int x, int y, int width, int height) {
+    const auto cookie = xcb_shm_get_image(
+        fConnection, fRoot, static_cast<int16_t>(x), static_cast<int16_t>(y), static_cast<uint16_t>(width),
+        static_cast<uint16_t>(height), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, fSegment, 0);
     free(xcb_shm_get_image_reply(fConnection, cookie, nullptr));
-    return {fPixels, fWidth * kBytesPerPixel};
+    return {fPixels, width * kBytesPerPixel};
 }

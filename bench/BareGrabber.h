@@ -57,7 +57,8 @@ class BareX11 {
     BareX11(const BareX11&) = delete;
     BareX11& operator=(const BareX11&) = delete;
 
-    BarePixels Grab();
+    BarePixels Grab() { return Grab(0, 0, fWidth, fHeight); }
+    BarePixels Grab(int x, int y, int width, int height);
     int Width() const { return fWidth; }
     int Height() const { return fHeight; }
 

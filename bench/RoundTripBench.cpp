@@ -9,14 +9,15 @@
 #include <string>
 #include <vector>
 
-#include <arpa/inet.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include "Allocations.h"
 #include "BareGrabber.h"
+#include "BenchClient.h"
 #include "HostLoader.h"
-#include "vnCaptureServer.h"
+#include "cHttpServer.h"
+#include "vnController.h"
+#include "vnUserInterface.h"
 #include "zBoot.h"
 
 namespace {
@@ -25,61 +26,6 @@ constexpr int kBatch = 20;
 constexpr int kBatches = 15;
 constexpr int kJpegQuality = 80; // What the service's "normal" means: docs/quality.md.
 constexpr int kSubsampling = TJSAMP_420;
-
-/// A client that allocates nothing while it measures.
-class Client {
-  public:
-    explicit Client(unsigned short port) : fSocket(socket(AF_INET, SOCK_STREAM, 0)), fReply(64 << 20) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        if (connect(fSocket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
-            fail("cannot connect");
-        const std::string body = "<methodCall><methodName>Snapshot</methodName></methodCall>";
-        fRequest = "POST / HTTP/1.1\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
-    }
-    ~Client() { close(fSocket); }
-    Client(const Client&) = delete;
-    Client& operator=(const Client&) = delete;
-
-    /// One Snapshot; the bytes of its reply's body.
-    size_t RoundTrip() {
-        if (send(fSocket, fRequest.data(), fRequest.size(), MSG_NOSIGNAL) !=
-            static_cast<ssize_t>(fRequest.size()))
-            fail("cannot send");
-        size_t got = 0;
-        size_t wanted = 0;
-        while (wanted == 0 || got < wanted) {
-            const ssize_t more = recv(fSocket, fReply.data() + got, fReply.size() - got, 0);
-            if (more <= 0)
-                fail("the reply broke off");
-            got += static_cast<size_t>(more);
-            if (wanted == 0)
-                wanted = whole_length(got);
-        }
-        return wanted;
-    }
-
-  private:
-    [[noreturn]] static void fail(const char* what) {
-        fprintf(stderr, "bench: %s\n", what);
-        exit(1);
-    }
-
-    size_t whole_length(size_t got) const {
-        static constexpr char kName[] = "Content-Length: ";
-        const char* end = static_cast<const char*>(memmem(fReply.data(), got, "\r\n\r\n", 4));
-        const char* length = static_cast<const char*>(memmem(fReply.data(), got, kName, sizeof kName - 1));
-        if (!end || !length)
-            return 0;
-        return static_cast<size_t>(end + 4 - fReply.data()) + strtoul(length + sizeof kName - 1, nullptr, 10);
-    }
-
-    int fSocket;
-    std::string fRequest;
-    std::vector<char> fReply;
-};
 
 double median(std::vector<double> values) {
     std::nth_element(values.begin(), values.begin() + static_cast<ptrdiff_t>(values.size() / 2),
@@ -108,11 +54,12 @@ struct Samples {
     size_t replyBytes = 0;
 };
 
-void stream(Client& client, Samples& samples) {
+void stream(BenchClient& client, Samples& samples) {
+    static const std::string kRequest = BenchClient::Request("Snapshot");
     const int64_t before = AllocationCount();
     for (int i = 0; i < kBatch; ++i) {
         const auto start = std::chrono::steady_clock::now();
-        samples.replyBytes = client.RoundTrip();
+        samples.replyBytes = client.RoundTrip(kRequest).size();
         const std::chrono::duration<double, std::milli> trip = std::chrono::steady_clock::now() - start;
         samples.trips.push_back(trip.count());
     }
@@ -131,9 +78,11 @@ void loop_bare(BareLoop& bare, Samples& samples) {
 }
 
 void measure(const char* title, BareLoop& bare, int width, int height) {
-    vnCaptureServer server(0, "127.0.0.1");
-    server.Server().WaitUntilListening();
-    Client client(server.Server().Port());
+    vnUserInterface interface;
+    vnController controller(interface, {.port = 0, .bindAddress = "127.0.0.1"});
+    controller.applicationDidFinishLaunching();
+    controller.Server()->WaitUntilListening();
+    BenchClient client(controller.Server()->Port());
     Samples warmUp;
     stream(client, warmUp);
 

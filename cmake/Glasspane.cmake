@@ -1,6 +1,7 @@
 # What every target of the project shares, and the three functions that the folders' own lists use.
 
 option(GLASSPANE_WERROR "Warnings are errors" ON)
+option(GLASSPANE_QT "Build glasspane, the program with the panel" ON)
 option(GLASSPANE_TESTS "Build the tests" ON)
 option(GLASSPANE_BENCH "Build the benchmarks" OFF)
 set(GLASSPANE_SANITIZE "" CACHE STRING "Sanitizers, as the argument of -fsanitize=")
@@ -24,6 +25,9 @@ find_program(GLASSPANE_LLD ld.lld)
 if(GLASSPANE_LLD)
   add_link_options(-fuse-ld=lld)
 endif()
+
+# A program loads no library that none of its code calls.
+add_link_options(-Wl,--as-needed)
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wcast-align
                     -Wformat=2 -Wimplicit-fallthrough)
@@ -55,11 +59,12 @@ function(glasspane_library name)
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS})
 endfunction()
 
-# glasspane_test(<name> [LABEL unit|system|slow] [LINKS ...] [TIMEOUT seconds] [LOCK <resource>])
+# glasspane_test(<name> [LABEL unit|system|slow] [LINKS ...] [TIMEOUT seconds] [LOCK <resource>] [OWN_HEADERS])
 # One GoogleTest program of the calling folder's sources; each test becomes one of CTest's. Of the tests
-# with one LOCK only one runs at a time.
+# with one LOCK only one runs at a time. OWN_HEADERS is for code that is compiled with other flags, which can't
+# share the headers that were parsed for all.
 function(glasspane_test name)
-  cmake_parse_arguments(ARG "" "LABEL;TIMEOUT;LOCK" "LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "OWN_HEADERS" "LABEL;TIMEOUT;LOCK" "LINKS" ${ARGN})
   if(NOT ARG_LABEL)
     set(ARG_LABEL unit)
   endif()
@@ -72,7 +77,9 @@ function(glasspane_test name)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   add_executable(${name} ${sources})
   target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gmock)
-  target_precompile_headers(${name} REUSE_FROM test_support)
+  if(NOT ARG_OWN_HEADERS)
+    target_precompile_headers(${name} REUSE_FROM test_support)
+  endif()
   if(ARG_LABEL STREQUAL unit)
     add_dependencies(unit_tests ${name})
   endif()

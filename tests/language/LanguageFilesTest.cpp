@@ -45,8 +45,8 @@ std::string Placeholders(const std::string& text) {
         const bool isName = text[at] == '#';
         const size_t end =
             isName ? text.find('#', at + 1) : text.find_first_not_of("-+ #0123456789.", at + 1);
-        if (end == std::string::npos)
-            break;
+        if (end == std::string::npos) // As "#" stands for "number".
+            continue;
         found.append(text, at, end + 1 - at).append("\n");
         at = end;
     }

@@ -10,7 +10,9 @@
 
 #include "FakeHost.h"
 #include "TestClient.h"
-#include "vnCaptureServer.h"
+#include "cHttpServer.h"
+#include "vnController.h"
+#include "vnUserInterface.h"
 
 namespace {
 
@@ -27,9 +29,12 @@ std::string struct_param(const std::string& members) {
 
 class HostileInputTest : public testing::Test {
   protected:
-    HostileInputTest() { EXPECT_EQ(server.Server().WaitUntilListening(), 0); }
+    HostileInputTest() {
+        EXPECT_TRUE(controller.applicationDidFinishLaunching());
+        EXPECT_EQ(controller.Server()->WaitUntilListening(), 0);
+    }
 
-    uint16_t Port() { return server.Server().Port(); }
+    uint16_t Port() { return controller.Server()->Port(); }
 
     /// True if a new client gets its picture.
     bool StillServes() {
@@ -41,7 +46,8 @@ class HostileInputTest : public testing::Test {
 
     FakeHost machine;
     host::HostScope scope{machine};
-    vnCaptureServer server{0, "127.0.0.1"};
+    vnUserInterface interface;
+    vnController controller{interface, {.port = 0, .bindAddress = "127.0.0.1"}};
 };
 
 TEST_F(HostileInputTest, AbsurdParametersGetNoPictureOrTheUsualOne) {

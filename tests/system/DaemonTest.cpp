@@ -48,6 +48,39 @@ TEST(Daemon, ServesTheTestCardWhereThereIsNoDisplay) {
     EXPECT_NE(line.find("1280 x 720"), std::string::npos) << line;
 }
 
+/// What the mixer is shown after it chose an entry of the menus by one of its items.
+std::string rect_after_choosing(TestClient& client, const std::string& menus, const std::string& entry,
+                                const std::string& item) {
+    const size_t at = menus.find("<xml_tag title=\"" + entry);
+    const size_t below = menus.find("<xml_tag title=\"" + item, at);
+    const auto element = [&menus](size_t from, const std::string& name) {
+        const size_t attributes = from + std::string("<xml_tag").size();
+        return "<" + name + menus.substr(attributes, menus.find_first_of("/>", attributes) - attributes);
+    };
+    EXPECT_TRUE(client.Call("SetSourceFromMenuItem", "<params><param>" + element(at, "record") + ">" +
+                                                         element(below, "xml_tag") +
+                                                         "/></record></param></params>"));
+    client.Call("Snapshot"); // On its way since before.
+    const auto reply = client.Call("Snapshot");
+    const size_t rect = reply ? reply->body.find("rect=\"") : std::string::npos;
+    return rect == std::string::npos ? ""
+                                     : reply->body.substr(rect, reply->body.find('"', rect + 6) + 1 - rect);
+}
+
+TEST(Daemon, LetsTheMixerChooseTheSource) {
+    Daemon daemon({"--host", "builtin"});
+    TestClient client(daemon.Port());
+    const auto reply = client.Call("GetMenus");
+    ASSERT_TRUE(reply);
+    const auto choose = [&](const char* entry, const char* item) {
+        return rect_after_choosing(client, reply->body, entry, item);
+    };
+    EXPECT_EQ(choose("Screen &apos;Test Card 2", "Full Screen"), "rect=\"1280,0,2303,767\"");
+    const std::string window = choose("Test Lift", "WINDOW 1");
+    EXPECT_EQ(window.find("rect=\"70,"), 0U) << window;
+    EXPECT_EQ(choose("Screen &apos;Test Card 1", "Full Screen"), "rect=\"0,0,1279,719\"");
+}
+
 TEST(Daemon, FailsWithOneLineOfReason) {
     Daemon first({"--host", "builtin"});
     ASSERT_NE(first.Port(), 0);

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
-#include <turbojpeg.h>
-
+#include "Picture.h"
 #include "TestClient.h"
 
 /// A receiver of the stream, written against the protocol alone: it polls, sends back the number that it was
@@ -15,21 +15,18 @@
 class StreamClient {
   public:
     /// \p members of the request's struct besides the sequence id.
-    explicit StreamClient(uint16_t port, std::string members = "")
-        : fClient(port), fMembers(std::move(members)), fDecoder(tjInitDecompress()) {}
-    ~StreamClient() { tjDestroy(fDecoder); }
-    StreamClient(const StreamClient&) = delete;
-    StreamClient& operator=(const StreamClient&) = delete;
+    explicit StreamClient(uint16_t port, std::string members = "", std::string method = "SnapshotByDiffs",
+                          int timeoutMs = 5000)
+        : fClient(port, timeoutMs), fMembers(std::move(members)), fMethod(std::move(method)) {}
 
     /// One call. False when there is no reply or it makes no sense.
     bool Poll() {
-        const auto reply =
-            fClient.Call("SnapshotByDiffs",
-                         "<params><param><value><struct><member><name>sequence_id</name><value><string>" +
-                             std::to_string(fNext) +
-                             "</string></value></member><member><name>quality</name><value><string>high"
-                             "</string></value></member>" +
-                             fMembers + "</struct></value></param></params>");
+        const auto reply = fClient.Call(
+            fMethod, "<params><param><value><struct><member><name>sequence_id</name><value><string>" +
+                         std::to_string(fNext) +
+                         "</string></value></member><member><name>quality</name><value><string>high"
+                         "</string></value></member>" +
+                         fMembers + "</struct></value></param></params>");
         ++fPolls;
         return reply && take(reply->head, reply->body);
     }
@@ -44,16 +41,18 @@ class StreamClient {
     int WholeFrames() const { return fWholeFrames; }
     const std::string& LastRect() const { return fLastRect; }
 
+    /// Where the canvas lies on the screen.
+    int Left() const { return fOrigin.left; }
+    int Top() const { return fOrigin.top; }
+    int Width() const { return fCanvas.width; }
+    int Height() const { return fCanvas.height; }
+    /// An attribute of the last reply; empty without it.
+    std::string Attribute(const std::string& name) const { return attribute(name); }
+    /// All sound so far.
+    const std::vector<int16_t>& Sound() const { return fSound; }
+
     /// The largest difference of a channel between the canvas and 0xRRGGBB; 255 outside of the canvas.
-    int Difference(int x, int y, uint32_t colour) const {
-        if (x >= fWidth || y >= fHeight)
-            return 255;
-        int largest = 0;
-        for (int i = 0; i < 3; ++i)
-            largest = std::max(largest, std::abs(fCanvas[static_cast<size_t>((y * fWidth + x) * 3 + i)] -
-                                                 static_cast<int>(colour >> (16 - 8 * i) & 0xFF)));
-        return largest;
-    }
+    int Difference(int x, int y, uint32_t colour) const { return fCanvas.Difference(x, y, colour); }
 
   private:
     struct Rect {
@@ -68,16 +67,22 @@ class StreamClient {
         if (fHadPictures)
             sections = split(body);
         fXml = sections[0];
+        fHadPictures = !attribute("picture").empty();
         const std::string next = attribute("next_sequence_id");
-        if (next.empty())
-            return false;
+        if (next.empty()) // Muted: the canvas stays.
+            return fXml.starts_with("<response ");
         // One state further is what changed; a whole frame jumps.
         const auto told = static_cast<uint32_t>(std::stoul(next));
         if (fHadPictures)
             ++(told - fNext <= 1 ? fDiffReplies : fWholeFrames);
         fNext = told;
         const Rect whole = rect(attribute("rect"));
+        fOrigin = whole;
         for (size_t i = 1; i < sections.size(); ++i) {
+            if (!attribute("section_channels_" + std::to_string(i)).empty()) {
+                hear(sections[i]);
+                continue;
+            }
             fLastRect = attribute("section_rect_" + std::to_string(i));
             if (!apply(sections[i], rect(fLastRect), whole))
                 return false;
@@ -86,34 +91,29 @@ class StreamClient {
     }
 
     bool apply(const std::string& jpeg, const Rect& place, const Rect& whole) {
-        if (whole.Width() != fWidth || whole.Height() != fHeight) {
-            fWidth = whole.Width();
-            fHeight = whole.Height();
-            fOrigin = whole;
-            fCanvas.assign(static_cast<size_t>(fWidth * fHeight * 3), 0);
+        if (whole.Width() != fCanvas.width || whole.Height() != fCanvas.height) {
+            fCanvas.width = whole.Width();
+            fCanvas.height = whole.Height();
+            fCanvas.pixels.assign(static_cast<size_t>(whole.Width() * whole.Height() * 3), 0);
         }
-        const auto* bytes = reinterpret_cast<const unsigned char*>(jpeg.data());
-        int width = 0, height = 0, subsampling = 0, space = 0;
-        if (tjDecompressHeader3(fDecoder, bytes, jpeg.size(), &width, &height, &subsampling, &space) != 0 ||
-            width != place.Width() || height != place.Height())
+        Picture part;
+        if (!part.Decode(jpeg) || part.width != place.Width() || part.height != place.Height())
             return false;
-        std::vector<uint8_t> pixels(static_cast<size_t>(width * height * 3));
-        // Pictures travel upside down.
-        if (tjDecompress2(fDecoder, bytes, jpeg.size(), pixels.data(), 0, 0, 0, TJPF_RGB, TJFLAG_BOTTOMUP) !=
-            0)
-            return false;
-        for (int y = 0; y < height; ++y)
-            put_row(place.left - fOrigin.left, place.top - fOrigin.top + y, width,
-                    &pixels[static_cast<size_t>(y * width * 3)]);
+        for (int y = 0; y < part.height; ++y)
+            put_row(place.left - whole.left, place.top - whole.top + y, part.width, part.At(0, y));
         return true;
     }
 
     void put_row(int x, int y, int width, const uint8_t* row) {
-        if (y < 0 || y >= fHeight || x < 0)
-            return;
-        const int visible = std::min(width, fWidth - x);
-        if (visible > 0)
-            std::copy_n(row, visible * 3, &fCanvas[static_cast<size_t>((y * fWidth + x) * 3)]);
+        const int visible = std::min(width, fCanvas.width - x);
+        if (y >= 0 && y < fCanvas.height && x >= 0 && visible > 0)
+            std::copy_n(row, visible * 3, &fCanvas.pixels[static_cast<size_t>((y * fCanvas.width + x) * 3)]);
+    }
+
+    void hear(const std::string& samples) {
+        const size_t before = fSound.size();
+        fSound.resize(before + samples.size() / sizeof(int16_t));
+        std::memcpy(fSound.data() + before, samples.data(), samples.size());
     }
 
     /// The data of each section, by the delimiter between them.
@@ -145,7 +145,7 @@ class StreamClient {
 
     TestClient fClient;
     std::string fMembers;
-    tjhandle fDecoder;
+    std::string fMethod;
     uint32_t fNext = 0;
     std::string fXml;
     std::string fLastRect;
@@ -154,7 +154,6 @@ class StreamClient {
     int fDiffReplies = 0;
     int fWholeFrames = 0;
     Rect fOrigin;
-    int fWidth = 0;
-    int fHeight = 0;
-    std::vector<uint8_t> fCanvas; ///< r, g, b; top row first.
+    Picture fCanvas;
+    std::vector<int16_t> fSound;
 };

@@ -9,42 +9,27 @@
 #include <gtest/gtest.h>
 
 #include "Daemon.h"
+#include "LocalProgram.h"
 #include "StreamClient.h"
 #include "XPainter.h"
 #include "XServer.h"
+#include "XWindows.h"
 
 namespace {
 
 constexpr int kWidth = 800;
 constexpr int kHeight = 600;
 
-/// What is on the screen, kept by the one who paints. Rows top first, 0xRRGGBB.
-class PaintedScreen {
-  public:
-    explicit PaintedScreen(XPainter& painter) : fPainter(painter) { Fill(0, 0, kWidth, kHeight, 0x304050); }
-
-    void Fill(int x, int y, int width, int height, uint32_t colour) {
-        fPainter.Draw(x, y, width, height, colour);
-        for (int row = y; row < std::min(y + height, kHeight); ++row)
-            std::fill_n(fPixels.begin() + row * kWidth + x, std::min(width, kWidth - x), colour);
-    }
-    void Await() { fPainter.Sync(); }
-    uint32_t At(int x, int y) const { return fPixels[static_cast<size_t>(y * kWidth + x)]; }
-
-  private:
-    XPainter& fPainter;
-    std::vector<uint32_t> fPixels = std::vector<uint32_t>(kWidth * kHeight);
-};
-
 class StreamTest : public testing::Test {
   protected:
-    void Start() {
+    void StartScreen() {
         server = std::make_unique<XServer>(std::to_string(kWidth) + "x" + std::to_string(kHeight) + "x24");
         if (!server->Running())
             SKIP_OR_FAIL(server->WhyNot());
         painter = std::make_unique<XPainter>(server->Display());
-        screen = std::make_unique<PaintedScreen>(*painter);
-        screen->Await();
+        painter->Fill(0, 0, kWidth, kHeight, 0x304050);
+    }
+    void StartDaemon() {
         daemon = std::make_unique<Daemon>(
             std::vector<std::string>{"--host", "x11", "--display", server->Display()});
         ASSERT_NE(daemon->Port(), 0) << daemon->ReadyLine();
@@ -53,8 +38,8 @@ class StreamTest : public testing::Test {
 
     /// Follows the stream until a condition holds; false when it doesn't in far more time than that takes.
     bool Follow(const std::function<bool()>& condition) {
-        screen->Await();
-        const auto bound = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        painter->Sync();
+        const auto bound = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         while (std::chrono::steady_clock::now() < bound) {
             if (!client->Poll())
                 return false;
@@ -63,21 +48,41 @@ class StreamTest : public testing::Test {
         }
         return false;
     }
-    /// Until the canvas shows the screen.
+    /// Until the canvas shows what a screenshot shows.
     bool Settle() {
         return Follow([this] { return !client->HadPictures() && LargestDifference() <= kTolerance; });
     }
 
-    /// JPEG blurs what is next to an edge: only places whose neighbours have their colour are compared.
-    int LargestDifference() const {
-        int largest = 0;
-        for (int y = kBlur; y < kHeight - kBlur; y += 8) {
-            for (int x = kBlur; x < kWidth - kBlur; x += 8) {
-                if (IsPlain(x, y))
-                    largest = std::max(largest, client->Difference(x, y, screen->At(x, y)));
+    /// Between the canvas and a screenshot of its place. JPEG blurs what is next to an edge: only places
+    /// whose neighbours have their colour are compared.
+    int LargestDifference() {
+        const int width = client->Width();
+        const int height = client->Height();
+        const std::vector<uint32_t> shot = painter->Screenshot(client->Left(), client->Top(), width, height);
+        int largest = shot.empty() ? 255 : 0;
+        const auto at = [&](int x, int y) { return shot[static_cast<size_t>(y * width + x)]; };
+        const auto isPlain = [&](int x, int y) {
+            for (int dy = -kBlur; dy <= kBlur; ++dy) {
+                for (int dx = -kBlur; dx <= kBlur; ++dx) {
+                    if (at(x + dx, y + dy) != at(x, y))
+                        return false;
+                }
+            }
+            return true;
+        };
+        for (int y = kBlur; y < height - kBlur && !shot.empty(); y += 8) {
+            for (int x = kBlur; x < width - kBlur; x += 8) {
+                if (isPlain(x, y))
+                    largest = std::max(largest, client->Difference(x, y, at(x, y)));
             }
         }
         return largest;
+    }
+
+    int Below(int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); }
+    void PaintSomething(int largestWidth, int largestHeight) {
+        painter->Draw(Below(kWidth), Below(kHeight), 1 + Below(largestWidth), 1 + Below(largestHeight),
+                      random() & 0xFFFFFF);
     }
 
     static constexpr int kTolerance = 8;
@@ -85,37 +90,27 @@ class StreamTest : public testing::Test {
 
     std::unique_ptr<XServer> server;
     std::unique_ptr<XPainter> painter;
-    std::unique_ptr<PaintedScreen> screen;
     std::unique_ptr<Daemon> daemon;
     std::unique_ptr<StreamClient> client;
-
-  private:
-    bool IsPlain(int x, int y) const {
-        const uint32_t colour = screen->At(x, y);
-        for (int dy = -kBlur; dy <= kBlur; ++dy) {
-            for (int dx = -kBlur; dx <= kBlur; ++dx) {
-                if (screen->At(x + dx, y + dy) != colour)
-                    return false;
-            }
-        }
-        return true;
-    }
+    std::mt19937 random{20240607};
 };
 
+#define START(what)                                                                                          \
+    do {                                                                                                     \
+        ASSERT_NO_FATAL_FAILURE(what());                                                                     \
+        if (IsSkipped())                                                                                     \
+            return;                                                                                          \
+    } while (false)
+
 TEST_F(StreamTest, TheCanvasFollowsTheScreen) {
-    ASSERT_NO_FATAL_FAILURE(Start());
-    if (IsSkipped())
-        return;
+    START(StartScreen);
+    START(StartDaemon);
     ASSERT_TRUE(Settle());
     const int framesBefore = client->WholeFrames();
 
-    std::mt19937 random(20240607);
-    const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
     for (int changes = 0, moment = 0; changes < 600; ++moment) {
-        for (int burst = 1 + below(16); burst > 0; --burst, ++changes) {
-            const int width = 1 + below(burst % 3 ? 60 : 400);
-            const int height = 1 + below(burst % 3 ? 60 : 300);
-            screen->Fill(below(kWidth), below(kHeight), width, height, random() & 0xFFFFFF);
+        for (int burst = 1 + Below(16); burst > 0; --burst, ++changes) {
+            PaintSomething(burst % 3 ? 60 : 400, burst % 3 ? 60 : 300);
             if (burst % 3 == 0) {
                 ASSERT_TRUE(client->Poll());
             }
@@ -126,35 +121,122 @@ TEST_F(StreamTest, TheCanvasFollowsTheScreen) {
     EXPECT_LE(client->WholeFrames() - framesBefore, client->Polls() / 242 + 1) << "it went by diffs";
 }
 
+TEST_F(StreamTest, TheCanvasFollowsAPresetsRegion) {
+    START(StartScreen);
+    LocalProgram program(server->Display());
+    client = std::make_unique<StreamClient>(program.Port());
+    program.Serve([&] {
+        program.AtThePanel([&](vnPanel& panel) {
+            panel.SelectItem(vnControl::fSelectPopup, 3); // 320 x 240 centred.
+            program.Controller().selectChangeMessage();
+        });
+        ASSERT_TRUE(Settle());
+        EXPECT_EQ(client->Attribute("rect"), "240,180,559,419");
+        for (int moment = 0; moment < 40; ++moment) {
+            for (int i = 0; i < 8; ++i)
+                PaintSomething(100, 100);
+            ASSERT_TRUE(Settle()) << "moment " << moment << ", difference " << LargestDifference();
+        }
+        EXPECT_GT(client->DiffReplies(), 20);
+    });
+}
+
+TEST_F(StreamTest, TheCanvasFollowsAWindowThatIsMovedAbout) {
+    START(StartScreen);
+    START(StartDaemon);
+    XWindows windows(server->Display());
+    const xcb_window_t window = windows.Open(50, 60, 320, 200);
+    windows.Show(window);
+    ASSERT_TRUE(TestClient(daemon->Port())
+                    .Call("SetSourceFromMenuItem", "<params><param><record><xml_tag window_id=\"" +
+                                                       std::to_string(window) +
+                                                       "\"/></record></param></params>"));
+    for (int moment = 0; moment < 30; ++moment) {
+        if (moment % 3 == 0)
+            windows.Place(window, Below(kWidth - 320), Below(kHeight - 200), 320, 200);
+        for (int i = 0; i < 5; ++i)
+            PaintSomething(200, 200);
+        ASSERT_TRUE(Settle()) << "moment " << moment << ", difference " << LargestDifference();
+        const xcb_rectangle_t place = windows.Outline(window);
+        ASSERT_TRUE(Follow([&] { return client->Left() == place.x && client->Top() == place.y; }));
+        ASSERT_TRUE(client->Width() == place.width && client->Height() == place.height);
+    }
+}
+
 TEST_F(StreamTest, AnIdleScreenCostsNoPictures) {
-    ASSERT_NO_FATAL_FAILURE(Start());
-    if (IsSkipped())
-        return;
+    START(StartScreen);
+    START(StartDaemon);
     ASSERT_TRUE(Settle());
     const int before = client->DiffReplies() + client->WholeFrames();
     for (int i = 0; i < 100; ++i)
         ASSERT_TRUE(client->Poll());
     EXPECT_EQ(client->DiffReplies() + client->WholeFrames(), before);
 
-    screen->Fill(320, 160, 16, 32, 0xFFFFFF);
+    painter->Fill(320, 160, 16, 32, 0xFFFFFF);
     const int diffsBefore = client->DiffReplies();
     ASSERT_TRUE(Follow([&] { return client->DiffReplies() > diffsBefore; }));
     EXPECT_EQ(client->LastRect(), "320,160,335,199") << "one cell, on the grid from each edge";
 }
 
-TEST_F(StreamTest, ClientsWithOtherNumbersAndCropsDoNotDisturb) {
-    ASSERT_NO_FATAL_FAILURE(Start());
-    if (IsSkipped())
-        return;
-    StreamClient cropped(daemon->Port(),
-                         "<member><name>crop_left</name><value><int>64</int></value></member>");
+TEST_F(StreamTest, ClientsWithOtherNumbersAndCropsOrThatGiveUpDoNotDisturb) {
+    START(StartScreen);
+    START(StartDaemon);
+    const std::string crop = "<member><name>crop_left</name><value><int>64</int></value></member>";
+    StreamClient cropped(daemon->Port(), crop);
     for (int i = 0; i < 20; ++i) {
-        screen->Fill(i * 30, i * 20, 80, 80, 0x0000FFU << i);
+        painter->Fill(i * 30, i * 20, 80, 80, 0x0000FFU << i);
         ASSERT_TRUE(cropped.Poll());
+        EXPECT_EQ(cropped.Attribute("rect"), "64,0,799,599");
         ASSERT_TRUE(client->Poll());
-        cropped.Forget(i % 2 ? 0xFFFFFFFF : 0x80000000 + static_cast<uint32_t>(i));
-    }
+        EXPECT_EQ(client->Attribute("rect"), "0,0,799,599");
+        const uint32_t numbers[] = {0, 0xFFFFFFFF, 0x80000000 + static_cast<uint32_t>(i)};
+        cropped.Forget(numbers[i % 3]);
+
+        TestClient quitter(daemon->Port());
+        quitter.Send(TestClient::Request(TestClient::MethodCall("SnapshotByDiffs")));
+        char byte = 0;
+        EXPECT_EQ(recv(quitter.Descriptor(), &byte, 1, 0), 1);
+    } // And goes, in the middle of its reply.
     ASSERT_TRUE(Settle());
+}
+
+TEST_F(StreamTest, GoesOnAfterAPause) {
+    START(StartScreen);
+    LocalProgram program(server->Display());
+    client = std::make_unique<StreamClient>(program.Port());
+    program.Serve([&] {
+        ASSERT_TRUE(Settle());
+        for (int round = 0; round < 3; ++round) {
+            program.AtThePanel([&](vnPanel&) { program.Controller().muteMessage(); });
+            painter->Fill(round * 100, 100, 50, 50, 0xFF0000);
+            ASSERT_TRUE(client->Poll());
+            EXPECT_EQ(client->Attribute("muted"), "1");
+            EXPECT_FALSE(client->HadPictures());
+            program.AtThePanel([&](vnPanel&) { program.Controller().muteMessage(); });
+            const int frames = client->WholeFrames();
+            ASSERT_TRUE(client->Poll());
+            EXPECT_EQ(client->WholeFrames(), frames + 1);
+            ASSERT_TRUE(Settle());
+        }
+    });
+}
+
+TEST_F(StreamTest, FollowsTheScreenToAnotherSize) {
+    START(StartScreen);
+    START(StartDaemon);
+    ASSERT_TRUE(Settle());
+    ASSERT_EQ(painter->Xrandr("--newmode small 0 640 0 0 640 480 0 0 480"), 0);
+    ASSERT_EQ(painter->Xrandr("--addmode screen small >/dev/null"), 0);
+    const struct {
+        const char* mode;
+        const char* rect;
+    } modes[] = {{"small", "0,0,639,479"}, {"800x600", "0,0,799,599"}, {"small", "0,0,639,479"}};
+    for (const auto& [mode, rect] : modes) {
+        ASSERT_EQ(painter->Xrandr(std::string("--output screen --mode ") + mode + " >/dev/null"), 0);
+        painter->Fill(10, 20, 200, 100, 0x00FF00);
+        ASSERT_TRUE(Follow([&] { return client->Attribute("rect") == rect; })) << client->Attribute("rect");
+        ASSERT_TRUE(Settle()) << mode;
+    }
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <memory>
 #include <string>
 
@@ -40,7 +42,9 @@ constexpr char kReport[] = "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n"
 
 std::string OnDisk(zDebugReport& report) {
     zString path;
-    EXPECT_EQ(zFileStream::CreateTemporaryFile(path, "glasspane_report_%ld"), 0);
+    EXPECT_EQ(zFileStream::CreateTemporaryFile(
+                  path, ("glasspane_report_" + std::to_string(getpid()) + "_%ld").c_str()),
+              0);
     EXPECT_EQ(report.WriteToDisk(path), 0);
     zBuffer bytes;
     EXPECT_EQ(zFileStream::ReadEntireFile(path, bytes), 0);

@@ -1,0 +1,116 @@
+// Sound that a real server plays, as it comes out of the stream.
+
+#include <chrono>
+#include <cmath>
+#include <memory>
+
+#include <gtest/gtest.h>
+
+#include "Daemon.h"
+#include "SoundServer.h"
+#include "StreamClient.h"
+#include "ToneMeter.h"
+#include "XServer.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using namespace std::chrono_literals;
+
+constexpr int kRate = 44100;
+constexpr auto kLimit = 60s;
+
+class StreamedSound : public testing::Test {
+  protected:
+    void Start() {
+        if (!sound.Start())
+            SKIP_OR_FAIL(sound.WhyNot());
+        screen = std::make_unique<XServer>("320x200x24");
+        if (!screen->Running())
+            SKIP_OR_FAIL(screen->WhyNot());
+        daemon = std::make_unique<Daemon>(
+            std::vector<std::string>{"--host", "x11", "--display", screen->Display()});
+        ASSERT_NE(daemon->Port(), 0) << daemon->ReadyLine();
+        client = std::make_unique<StreamClient>(daemon->Port(), "", "SnapshotByDiffsWithAudio");
+    }
+
+    /// One poll at a receiver's pace. It must not take long, whatever the sound does.
+    void Poll() {
+        const auto before = Clock::now();
+        ASSERT_TRUE(client->Poll());
+        slowest = std::max(slowest, Clock::now() - before);
+        std::this_thread::sleep_for(16ms);
+    }
+
+    /// The next samples; fewer when they don't come in time.
+    std::vector<int16_t> Listen(double seconds) {
+        const size_t start = client->Sound().size();
+        const auto wanted = start + 2 * static_cast<size_t>(seconds * kRate);
+        for (const auto end = Clock::now() + kLimit; client->Sound().size() < wanted && Clock::now() < end;) {
+            Poll();
+            if (HasFatalFailure())
+                return {};
+        }
+        return {client->Sound().begin() + static_cast<ptrdiff_t>(start), client->Sound().end()};
+    }
+
+    static double Level(const std::vector<int16_t>& samples, size_t channel, double hertz) {
+        return ToneMeter(samples, 2, channel, kRate, 32768).Level(hertz);
+    }
+    bool AwaitTone() {
+        for (const auto end = Clock::now() + kLimit; Clock::now() < end && !HasFatalFailure();) {
+            if (Level(Listen(0.1), 0, 1000) > 0.3)
+                return true;
+        }
+        return false;
+    }
+
+    SoundServer sound;
+    std::unique_ptr<XServer> screen;
+    std::unique_ptr<Daemon> daemon;
+    std::unique_ptr<StreamClient> client;
+    Clock::duration slowest{};
+};
+
+TEST_F(StreamedSound, AToneComesOutAsItWentInAndAgainAfterTheSoundServerWasKilled) {
+    ASSERT_NO_FATAL_FAILURE(Start());
+    if (IsSkipped())
+        return;
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(sound.AddSink("played", 48000, 2));
+        const auto player = sound.PlayTone("played"); // 1000 Hz on the left, 500 on the right.
+        ASSERT_TRUE(player);
+        ASSERT_TRUE(AwaitTone()) << "round " << round;
+        const std::vector<int16_t> samples = Listen(1);
+        ASSERT_EQ(samples.size() % 2, 0U);
+        EXPECT_NEAR(Level(samples, 0, 1000), 0.5, 0.02);
+        EXPECT_LT(Level(samples, 0, 500), 0.02);
+        EXPECT_NEAR(Level(samples, 1, 500), 0.5, 0.02);
+        EXPECT_LT(Level(samples, 1, 1000), 0.02);
+        EXPECT_LT(ToneMeter(samples, 2, 0, kRate, 32768).WorstBreak(1000), 0.01) << "no gap";
+
+        sound.Kill();
+        for (int i = 0; i < 30; ++i)
+            ASSERT_NO_FATAL_FAILURE(Poll());
+        if (round == 0) {
+            ASSERT_TRUE(sound.Start()) << sound.WhyNot();
+        }
+    }
+    EXPECT_LT(slowest, 2s) << "the pictures go on meanwhile";
+}
+
+TEST_F(StreamedSound, AServerThatHangsHoldsUpNobody) {
+    ASSERT_NO_FATAL_FAILURE(Start());
+    if (IsSkipped())
+        return;
+    ASSERT_TRUE(sound.AddSink("played", 48000, 2));
+    sound.Freeze(true);
+    for (int i = 0; i < 90; ++i)
+        ASSERT_NO_FATAL_FAILURE(Poll());
+    EXPECT_LT(slowest, 900ms) << "a look at a server that hangs takes a second, which nobody waits for";
+    EXPECT_TRUE(client->Sound().empty());
+    sound.Freeze(false);
+    ASSERT_NO_FATAL_FAILURE(Poll());
+}
+
+} // namespace
