@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace receiver {
+
+class Connection;
+class Reply;
+
+/// A pointer's picture, upright: premultiplied b, g, r, a, top row first, rows without gaps.
+struct PointerShape {
+    static constexpr int kMaxSide = 1024;
+
+    int width = 0;
+    int height = 0;
+    std::vector<uint8_t> pixels;
+
+    /// Reads the reply to "SnapshotMouse". False for one that makes no sense.
+    bool Read(const Reply& reply);
+
+    /// Blends it into b, g, r, x pixels, with its left top corner at x, y; what lies outside is left out.
+    void DrawInto(uint8_t* pixels, int canvasWidth, int canvasHeight, int x, int y) const;
+};
+
+/// The shapes that one run of the server has told, by their ids.
+class PointerShapes {
+  public:
+    /// A server has tens of shapes; one that has more begins anew.
+    static constexpr size_t kMaxCount = 256;
+
+    /// The shape by that id, fetched over the connection if it isn't known; null if it can't be had. Valid
+    /// until the next call. A shape that could not be had is not asked for again before Forget.
+    const PointerShape* Get(Connection& connection, uint32_t instance, uint32_t id);
+
+    void Forget() { fShapes.clear(); }
+
+  private:
+    std::map<uint32_t, PointerShape> fShapes; ///< An empty one for what could not be had.
+    uint32_t fInstance = 0;
+};
+
+} // namespace receiver
