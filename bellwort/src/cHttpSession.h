@@ -62,6 +62,9 @@ class cHttpSession {
     virtual int Request_Status(float* written, float* read) = 0;
     /// Lets the request go on without waiting. True once it has succeeded or failed.
     virtual bool Request_IsComplete() = 0;
+    /// Lets the request go on, and waits at most so many milliseconds for something to happen to it. As
+    /// Request_IsComplete.
+    virtual bool Request_Advance(int milliseconds) = 0;
     /// Waits until then. 0 or the code of the failure; -1 without a request.
     virtual int Request_BlockUntilComplete() = 0;
 

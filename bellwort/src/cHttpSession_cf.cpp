@@ -140,8 +140,8 @@ void cHttpSession_cf::reset_progress() {
     fHttpStatus = 0;
 }
 
-bool cHttpSession_cf::Request_IsComplete() {
-    advance(0);
+bool cHttpSession_cf::Request_Advance(int milliseconds) {
+    advance(milliseconds);
     return fIsComplete;
 }
 

@@ -22,7 +22,8 @@ class cHttpSession_cf final : public cHttpSession {
 
     int Request_Begin(zBuffer* response, const zRecord* headers, const void* body, int size) override;
     int Request_Status(float* written, float* read) override;
-    bool Request_IsComplete() override;
+    bool Request_IsComplete() override { return Request_Advance(0); }
+    bool Request_Advance(int milliseconds) override;
     int Request_BlockUntilComplete() override;
     int Response_StatusCode(unsigned int* status) const override;
     int Response_ContentType(zString& type) const override;

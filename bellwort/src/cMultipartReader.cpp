@@ -56,7 +56,7 @@ int cMultipartReader::Parse_BodyOnly(const char* data, int size, const char* bou
         if (size - next < kDashesSize || data[next] == '-' || data[next + 1] == '-')
             return 0;
         next += kLineEndSize;
-        if (next >= size)
+        if (next >= size || fRecord->ChildCount() >= kMaxSections)
             return -1;
         zRecord& section = message.AppendSectionRecord(0, nullptr);
         next += cUtils::HeaderParse(data + next, size - next, section);

@@ -10,6 +10,9 @@ class zRecord;
 /// within a section's data, which ends there.
 class cMultipartReader {
   public:
+    /// Sections that a message may have; one with more counts as broken.
+    static constexpr int kMaxSections = 8192;
+
     explicit cMultipartReader(zRecord& record) : fRecord(&record) {}
 
     /// Parses a message that begins with its own headers.

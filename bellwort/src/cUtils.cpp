@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "zRecord.h"
+#include "zStringID.h"
 
 namespace {
 
@@ -27,14 +28,15 @@ bool is_continuation(const char* data, int size) {
 
 /// Stores the header that stands, with its line ends, in `text`; its colon at `colon`.
 void store_header(std::string_view text, size_t colon, zRecord& record) {
-    if (colon >= cUtils::kMaxHeaderName)
+    if (colon >= cUtils::kMaxHeaderName || record.VariableCount() >= cUtils::kMaxHeaders)
         return;
     const std::string name(text.substr(0, colon));
     std::string value;
     // Deliberate: one blank behind the colon and a line end are taken for granted, as the writer puts them.
     if (const size_t start = colon + 2; start + kLineEnd.size() < text.size())
         value = text.substr(start, text.size() - kLineEnd.size() - start);
-    record.SetCString(name.c_str(), value.c_str(), 0);
+    if (const int id = zStringID::Default()->IDForDocumentString(name.c_str()); id != 0)
+        record.SetCString(id, value.c_str(), 0);
 }
 
 } // namespace

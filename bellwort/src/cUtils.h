@@ -10,6 +10,9 @@ class cUtils {
   public:
     /// A header's name must be shorter than this, in bytes; a longer one drops its header.
     static constexpr int kMaxHeaderName = 255;
+    /// Variables of a record that takes headers; from then on headers are dropped, as each is looked for among
+    /// the others.
+    static constexpr unsigned int kMaxHeaders = 512;
 
     /// Reads a header block into text variables of `record`, named as the headers. A line that is no header
     /// is skipped. Returns the offset of the empty line that ends the block, or `size` where there is none.

@@ -19,9 +19,10 @@ class Browser {
         std::string version; ///< Of the protocol, as announced.
     };
 
-    /// Listens for so long and tells who is there, by name. False with a reason if this machine can't look.
-    /// Main thread, whose loop it runs.
-    static bool Find(std::chrono::milliseconds time, std::vector<Server>& servers, std::string& reason);
+    /// Listens for so long, or until the interruption, and tells who is there, by name. False with a reason
+    /// if this machine can't look. Main thread, whose loop it runs.
+    static bool Find(std::chrono::milliseconds time, const Interruption& interruption,
+                     std::vector<Server>& servers, std::string& reason);
 };
 
 } // namespace receiver

@@ -28,20 +28,20 @@ class Connection {
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    /// Makes a call, an XML-RPC "methodCall", and waits for its reply, which is valid until the next call.
-    /// Null with a reason if none came in time that makes sense; the next call then gets a new connection.
-    const Reply* Call(const zRecord& call, std::string& reason);
+    /// Makes a call, an XML-RPC "methodCall", and waits for its reply. False with a reason if none came in
+    /// time that makes sense; the next call then gets a new connection.
+    bool Call(const zRecord& call, Reply& reply, std::string& reason);
     /// Calls a method with one struct, made of the record's variables.
-    const Reply* Call(const char* method, const zRecord& members, std::string& reason);
+    bool Call(const char* method, const zRecord& members, Reply& reply, std::string& reason);
     /// Calls a method without parameters.
-    const Reply* Call(const char* method, std::string& reason);
+    bool Call(const char* method, Reply& reply, std::string& reason);
 
     const Address& Server() const { return fAddress; }
     /// Of all replies so far, without their heads.
     uint64_t BytesReceived() const { return fBytesReceived; }
 
   private:
-    bool fetch(const zRecord& call, std::string& reason);
+    bool fetch(const zRecord& call, zBuffer& body, std::string& reason);
     bool wait(std::string& reason);
     std::string failure(int code) const;
 
@@ -49,8 +49,6 @@ class Connection {
     const Interruption* fInterruption;
     const Limits fLimits;
     std::unique_ptr<cHttpSession> fSession; ///< Null while there is no connection.
-    zBuffer fBody;
-    Reply fReply;
     uint64_t fBytesReceived = 0;
 };
 

@@ -40,8 +40,9 @@ class ClockDrift {
 
     Pair fFirst; ///< The best of the first window.
     Pair fLast;  ///< The best of the last whole window.
-    Pair fBest;  ///< The best of the current one.
+    Pair fBest;  ///< The best of the current one, if it has any.
     int64_t fWindowStart = 0;
+    int fCount = 0;   ///< Of pairs in the current window.
     int fWindows = 0; ///< Whole ones.
 };
 

@@ -11,8 +11,8 @@
 
 namespace receiver {
 
-/// The body of a server's reply, taken apart: an XML document, and in a multipart message binary sections
-/// behind it. Takes any bytes.
+/// A server's reply: its body, taken apart into an XML document, and in a multipart message binary sections
+/// behind it.
 class Reply {
   public:
     /// A section's data, which lie in the body, and its type as far as ";".
@@ -21,21 +21,23 @@ class Reply {
         std::span<const uint8_t> data;
     };
 
-    /// Reads the body of a reply of this content type. The bytes stay the caller's and must outlive the
-    /// sections. False with one line of reason for what is no reply of a server.
-    bool Parse(std::string_view contentType, std::span<const char> body, std::string& reason);
+    /// What came, for the one who receives it. The sections point into it.
+    zBuffer& Body() { return fBody; }
 
-    /// The document's root element's parent: its first child is the element.
-    const zRecord& Document() const { return fDocument; }
-    /// The root element.
-    const zRecord& Element() const;
+    /// Takes the body, any bytes, apart by its content type. False with one line of reason for what is no
+    /// reply of a server.
+    bool Parse(std::string_view contentType, std::string& reason);
+
+    /// The document's root element.
+    const zRecord& Element() const { return fDocument; }
     /// By the numbers that the document's attributes use; the first, number 0, is the document itself.
     const std::vector<Section>& Sections() const { return fSections; }
 
   private:
-    bool parse_multipart(std::string_view contentType, std::span<const char> body);
+    bool parse_multipart(const std::string& contentType);
     bool parse_document(std::span<const uint8_t> text);
 
+    zBuffer fBody;
     zRecord fDocument;
     std::vector<Section> fSections;
 };

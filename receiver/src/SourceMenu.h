@@ -42,6 +42,8 @@ class SourceMenu {
     bool Choose(Connection& connection, const Item& item, std::string& reason) const;
 
   private:
+    void add_items(const zRecord& menu, int group);
+
     zRecord fTree;
     std::vector<Item> fItems;
 };

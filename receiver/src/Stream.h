@@ -85,15 +85,19 @@ class Stream {
     const Settings& Chosen() const { return fSettings; }
 
   private:
-    bool fetch();
-    Event take();
-    Event fail(std::string reason);
-    void note_instance();
-    void note_clocks();
+    zRecord request() const;
+    bool fetch(std::string& reason);
+    Event take(std::string& reason);
+    Event take_pictures(bool isContinued, std::string& reason);
+    Event fail(const std::string& reason);
+    bool note_instance();
+    void note_clocks(bool isContinued);
+    void count_pictures(bool isContinued);
     void schedule(Clock::time_point begin);
 
     const Settings fSettings;
     Connection fConnection;
+    Reply fReply;
     StreamReply fLast;
     Canvas fCanvas;
     PointerShapes fShapes;
@@ -101,7 +105,8 @@ class Stream {
     uint32_t fSequence = 0; ///< What to send next.
     uint64_t fPictureNumber = 0;
     int64_t fPictureTime = 0;
-    int64_t fPreviousTimestamp = 0;
+    int64_t fPreviousTimestamp = 0; ///< Of the useful reply before; 0 for none.
+    uint32_t fInstance = 0;
     std::string fFailure;
     int fFailureCount = 0;
     int fRestarts = 0;

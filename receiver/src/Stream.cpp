@@ -1,0 +1,174 @@
+#include "Stream.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "zTime.h"
+
+namespace receiver {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr Stream::Clock::duration kFirstPause = 250ms; ///< After one failure; then twice as long each time.
+constexpr Stream::Clock::duration kLongestPause = 5s;
+constexpr int kDoublings = 5;
+/// States of the picture that the server keeps: who is further behind may have missed some.
+constexpr uint32_t kKeptStates = 10;
+
+double milliseconds_since(Stream::Clock::time_point time) {
+    return std::chrono::duration<double, std::milli>(Stream::Clock::now() - time).count();
+}
+
+} // namespace
+
+Stream::Stream(Settings settings, const Interruption* interruption)
+    : fSettings(std::move(settings)), fConnection(fSettings.server, interruption, fSettings.limits) {}
+
+Stream::Event Stream::Poll() {
+    const Clock::time_point begin = Clock::now();
+    std::string reason;
+    Event event = Event::kFailed;
+    if (fetch(reason)) {
+        fFigures.delay.Add(milliseconds_since(begin));
+        event = take(reason);
+    }
+    if (event == Event::kFailed)
+        event = fail(reason);
+    else {
+        ++fFigures.polls;
+        fFailure.clear();
+        fFailureCount = 0;
+    }
+    schedule(begin);
+    return event;
+}
+
+zRecord Stream::request() const {
+    zRecord members;
+    members.SetUInt32("sequence_id", fSequence);
+    members.SetCString("quality", fSettings.quality.c_str());
+    if (fSettings.crop != zRect(0, 0, 0, 0)) {
+        members.SetInt32("crop_left", fSettings.crop.left);
+        members.SetInt32("crop_top", fSettings.crop.top);
+        members.SetInt32("crop_right", fSettings.crop.right);
+        members.SetInt32("crop_bottom", fSettings.crop.bottom);
+    }
+    return members;
+}
+
+bool Stream::fetch(std::string& reason) {
+    const char* method = fSettings.withSound ? "SnapshotByDiffsWithAudio" : "SnapshotByDiffs";
+    const uint64_t before = fConnection.BytesReceived();
+    const bool hasReply = fConnection.Call(method, request(), fReply, reason);
+    fFigures.bytes += fConnection.BytesReceived() - before;
+    return hasReply && fLast.Read(fReply, reason);
+}
+
+/// Uses the reply.
+Stream::Event Stream::take(std::string& reason) {
+    if (fLast.isMuted || fLast.isScreenSaverActive) {
+        ++fFigures.mutedPolls;
+        fPreviousTimestamp = 0;
+        return Event::kMuted;
+    }
+    const bool isContinued = !note_instance() && fPreviousTimestamp != 0;
+    note_clocks(isContinued);
+    fPointer = fLast.pointer ? fShapes.Get(fConnection, fLast.instance, fLast.pointer->shape) : nullptr;
+    const Event event = take_pictures(isContinued, reason);
+    fPreviousTimestamp = fLast.timestamp;
+    return event;
+}
+
+Stream::Event Stream::take_pictures(bool isContinued, std::string& reason) {
+    const bool isBehind = fLast.nextSequence - fSequence > kKeptStates;
+    const bool startsAnew = fLast.IsWholeFrame();
+    if (!startsAnew && (fCanvas.IsEmpty() || fSequence == 0 || (isBehind && !fLast.pictures.empty()))) {
+        fSequence = 0; // Changes of something that isn't here.
+        return Event::kIdle;
+    }
+    fSequence = fLast.nextSequence;
+    if (fLast.pictures.empty())
+        return Event::kIdle;
+    const Clock::time_point begin = Clock::now();
+    if (!fCanvas.Draw(fLast, reason))
+        return Event::kFailed;
+    fFigures.composing.Add(milliseconds_since(begin));
+    count_pictures(isContinued);
+    return Event::kPicture;
+}
+
+void Stream::count_pictures(bool isContinued) {
+    ++fPictureNumber;
+    fPictureTime = std::max(fPictureTime, isContinued ? fPreviousTimestamp : fLast.timestamp);
+    if (fLast.IsWholeFrame()) {
+        ++fFigures.wholeFrames;
+    } else {
+        ++fFigures.changes;
+        fFigures.regions += fLast.pictures.size();
+    }
+}
+
+Stream::Event Stream::fail(const std::string& reason) {
+    ++fFigures.failures;
+    ++fFailureCount;
+    fFailure = reason;
+    fSequence = 0;
+    fPreviousTimestamp = 0;
+    return Event::kFailed;
+}
+
+/// True for another run of the server than before: its numbers and clocks begin anew.
+bool Stream::note_instance() {
+    if (fLast.instance == fInstance)
+        return false;
+    if (fInstance != 0)
+        ++fRestarts;
+    fInstance = fLast.instance;
+    fSequence = 0;
+    fPictureTime = 0;
+    fMachineDrift = {};
+    fSoundDrift = {};
+    return true;
+}
+
+void Stream::note_clocks(bool isContinued) {
+    fMachineDrift.Add(fLast.timestamp, zTime::MicroNow());
+    if (!fLast.sound)
+        return;
+    fFigures.soundFrames += fLast.sound->FrameCount();
+    if (isContinued)
+        fSoundDrift.Add(fLast.sound->endTime, fLast.timestamp);
+}
+
+void Stream::schedule(Clock::time_point begin) {
+    Clock::duration pause = 0s;
+    if (fFailureCount > 0)
+        pause = std::min(kFirstPause * (1 << std::min(fFailureCount - 1, kDoublings)), kLongestPause);
+    else if (fSettings.rate > 0)
+        pause =
+            std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / fSettings.rate));
+    const Clock::time_point now = Clock::now();
+    // In the beat as long as it is kept: a beat that was missed is not made up for.
+    const Clock::time_point due = fNextPoll + pause;
+    const bool isKept = fFailureCount == 0 && due > now && fNextPoll + pause > begin;
+    fNextPoll = isKept ? due : std::max(begin + pause, now);
+}
+
+const StreamReply::Sound* Stream::Sound() const {
+    return fFailureCount == 0 && fLast.sound ? &*fLast.sound : nullptr;
+}
+
+zPoint Stream::PointerPlace() const {
+    if (!fLast.pointer)
+        return {};
+    return {zRect::Subtract(fLast.pointer->corner.x, fCanvas.Frame().left),
+            zRect::Subtract(fLast.pointer->corner.y, fCanvas.Frame().top)};
+}
+
+Figures Stream::TakeFigures() {
+    return std::exchange(fFigures, Figures());
+}
+
+} // namespace receiver
