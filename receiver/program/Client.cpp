@@ -3,12 +3,18 @@
 #include <cstdio>
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 namespace receiver {
 
 int Client::Fail(const std::string& reason) {
     fprintf(stderr, "glasspane-client: %s\n", reason.c_str());
     return kFailure;
+}
+
+int Client::Print(const nlohmann::ordered_json& json) {
+    puts(json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace).c_str());
+    return kSuccess;
 }
 
 void Client::AddServer(CLI::App& command, Address& server) {

@@ -3,6 +3,8 @@
 #include <functional>
 #include <string>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include "Address.h"
 #include "Interruption.h"
 
@@ -23,6 +25,8 @@ struct Client {
 
     /// Prints "glasspane-client: " and the reason on standard error. kFailure.
     static int Fail(const std::string& reason);
+    /// Prints one line of JSON on standard output; texts that are no UTF-8 are mended. kSuccess.
+    static int Print(const nlohmann::ordered_json& json);
     /// Adds the argument HOST, which is checked, to a command.
     static void AddServer(CLI::App& command, Address& server);
 };

@@ -1,5 +1,6 @@
 #include <csignal>
 #include <cstdio>
+#include <optional>
 
 #include <CLI/CLI.hpp>
 
@@ -42,7 +43,10 @@ std::optional<int> parse(int argc, char** argv, receiver::Client& client) {
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return program.exit(error) == 0 ? receiver::Client::kSuccess : receiver::Client::kUsage;
+        if (error.get_exit_code() == 0)
+            return program.exit(error);
+        fprintf(stderr, "glasspane-client: %s; --help tells the options\n", error.what());
+        return receiver::Client::kUsage;
     }
     return std::nullopt;
 }

@@ -28,7 +28,7 @@ class Stream {
         zRect crop{0, 0, 0, 0};         ///< Pixels cut off at each edge.
         bool withSound = false;
         double rate = 60; ///< Polls a second; 0 for as fast as replies come.
-        Connection::Limits limits;
+        Connection::Limits limits{};
     };
 
     enum class Event {
