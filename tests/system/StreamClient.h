@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "Picture.h"
-#include "TestClient.h"
+#include "Response.h"
 
 /// A receiver of the stream, written against the protocol alone: it polls, sends back the number that it was
 /// told, and puts every picture where the reply says.
@@ -16,7 +16,7 @@ class StreamClient {
   public:
     /// \p members of the request's struct besides the sequence id.
     explicit StreamClient(uint16_t port, std::string members = "", std::string method = "SnapshotByDiffs",
-                          int timeoutMs = 5000)
+                          int timeoutMs = 30000)
         : fClient(port, timeoutMs), fMembers(std::move(members)), fMethod(std::move(method)) {}
 
     /// One call. False when there is no reply or it makes no sense.
@@ -28,7 +28,7 @@ class StreamClient {
                          "</string></value></member>" +
                          fMembers + "</struct></value></param></params>");
         ++fPolls;
-        return reply && take(reply->head, reply->body);
+        return reply && take(Response(*reply));
     }
 
     /// Claims to have got somewhere else.
@@ -39,7 +39,6 @@ class StreamClient {
     /// Replies with changed regions.
     int DiffReplies() const { return fDiffReplies; }
     int WholeFrames() const { return fWholeFrames; }
-    const std::string& LastRect() const { return fLastRect; }
 
     /// Where the canvas lies on the screen.
     int Left() const { return fOrigin.left; }
@@ -47,7 +46,7 @@ class StreamClient {
     int Width() const { return fCanvas.width; }
     int Height() const { return fCanvas.height; }
     /// An attribute of the last reply; empty without it.
-    std::string Attribute(const std::string& name) const { return attribute(name); }
+    std::string Attribute(const std::string& name) const { return fLast.Attribute(name); }
     /// All sound so far.
     const std::vector<int16_t>& Sound() const { return fSound; }
 
@@ -61,30 +60,24 @@ class StreamClient {
         int Height() const { return bottom - top + 1; }
     };
 
-    bool take(const std::string& head, const std::string& body) {
-        fHadPictures = head.find("multipart/related") != std::string::npos;
-        std::vector<std::string> sections{body};
-        if (fHadPictures)
-            sections = split(body);
-        fXml = sections[0];
-        fHadPictures = !attribute("picture").empty();
-        const std::string next = attribute("next_sequence_id");
+    bool take(Response response) {
+        fLast = std::move(response);
+        fHadPictures = !Attribute("picture").empty();
+        const std::string next = Attribute("next_sequence_id");
         if (next.empty()) // Muted: the canvas stays.
-            return fXml.starts_with("<response ");
+            return fLast.xml.starts_with("<response ");
         // One state further is what changed; a whole frame jumps.
         const auto told = static_cast<uint32_t>(std::stoul(next));
         if (fHadPictures)
             ++(told - fNext <= 1 ? fDiffReplies : fWholeFrames);
         fNext = told;
-        const Rect whole = rect(attribute("rect"));
-        fOrigin = whole;
-        for (size_t i = 1; i < sections.size(); ++i) {
-            if (!attribute("section_channels_" + std::to_string(i)).empty()) {
-                hear(sections[i]);
-                continue;
-            }
-            fLastRect = attribute("section_rect_" + std::to_string(i));
-            if (!apply(sections[i], rect(fLastRect), whole))
+        fOrigin = rect(Attribute("rect"));
+        for (size_t i = 1; i <= fLast.sections.size(); ++i) {
+            const std::string number = std::to_string(i);
+            const std::string& data = fLast.sections[i - 1].data;
+            if (!Attribute("section_channels_" + number).empty())
+                hear(data);
+            else if (!apply(data, rect(Attribute("section_rect_" + number)), fOrigin))
                 return false;
         }
         return true;
@@ -116,27 +109,6 @@ class StreamClient {
         std::memcpy(fSound.data() + before, samples.data(), samples.size());
     }
 
-    /// The data of each section, by the delimiter between them.
-    static std::vector<std::string> split(const std::string& body) {
-        const std::string delimiter = "\r\n--MimeBoundary_8923gr836bidfb3i";
-        std::vector<std::string> sections;
-        size_t start = body.find("\r\n\r\n");
-        while (start != std::string::npos) {
-            const size_t end = body.find(delimiter, start + 4);
-            sections.push_back(body.substr(start + 4, end - start - 4));
-            start = body.find("\r\n\r\n", end);
-        }
-        return sections;
-    }
-
-    std::string attribute(const std::string& name) const {
-        const size_t start = fXml.find(" " + name + "=\"");
-        if (start == std::string::npos)
-            return "";
-        const size_t value = start + name.size() + 3;
-        return fXml.substr(value, fXml.find('"', value) - value);
-    }
-
     static Rect rect(const std::string& text) {
         Rect one;
         sscanf(text.c_str(), "%d,%d,%d,%d", &one.left, &one.top, &one.right, &one.bottom);
@@ -147,8 +119,7 @@ class StreamClient {
     std::string fMembers;
     std::string fMethod;
     uint32_t fNext = 0;
-    std::string fXml;
-    std::string fLastRect;
+    Response fLast;
     bool fHadPictures = false;
     int fPolls = 0;
     int fDiffReplies = 0;

@@ -1,18 +1,12 @@
 // A client that composes whole frames and changed regions, beside a screen on which someone paints.
 
 #include <algorithm>
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <random>
 
-#include <gtest/gtest.h>
-
-#include "Daemon.h"
-#include "LocalProgram.h"
+#include "ScreenFixture.h"
 #include "StreamClient.h"
-#include "XPainter.h"
-#include "XServer.h"
 #include "XWindows.h"
 
 namespace {
@@ -20,33 +14,22 @@ namespace {
 constexpr int kWidth = 800;
 constexpr int kHeight = 600;
 
-class StreamTest : public testing::Test {
+class StreamTest : public ScreenFixture {
   protected:
-    void StartScreen() {
-        server = std::make_unique<XServer>(std::to_string(kWidth) + "x" + std::to_string(kHeight) + "x24");
-        if (!server->Running())
-            SKIP_OR_FAIL(server->WhyNot());
-        painter = std::make_unique<XPainter>(server->Display());
+    void Start() {
+        StartScreen(std::to_string(kWidth) + "x" + std::to_string(kHeight) + "x24");
+        if (!painter)
+            return;
         painter->Fill(0, 0, kWidth, kHeight, 0x304050);
-    }
-    void StartDaemon() {
-        daemon = std::make_unique<Daemon>(
-            std::vector<std::string>{"--host", "x11", "--display", server->Display()});
-        ASSERT_NE(daemon->Port(), 0) << daemon->ReadyLine();
+        ASSERT_NO_FATAL_FAILURE(StartDaemon());
         client = std::make_unique<StreamClient>(daemon->Port());
     }
 
     /// Follows the stream until a condition holds; false when it doesn't in far more time than that takes.
     bool Follow(const std::function<bool()>& condition) {
         painter->Sync();
-        const auto bound = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (std::chrono::steady_clock::now() < bound) {
-            if (!client->Poll())
-                return false;
-            if (condition())
-                return true;
-        }
-        return false;
+        bool isFine = true;
+        return Await([&] { return !(isFine = client->Poll()) || condition(); }) && isFine;
     }
     /// Until the canvas shows what a screenshot shows.
     bool Settle() {
@@ -88,23 +71,12 @@ class StreamTest : public testing::Test {
     static constexpr int kTolerance = 8;
     static constexpr int kBlur = 15; // The extent of a block of halved colour.
 
-    std::unique_ptr<XServer> server;
-    std::unique_ptr<XPainter> painter;
-    std::unique_ptr<Daemon> daemon;
     std::unique_ptr<StreamClient> client;
     std::mt19937 random{20240607};
 };
 
-#define START(what)                                                                                          \
-    do {                                                                                                     \
-        ASSERT_NO_FATAL_FAILURE(what());                                                                     \
-        if (IsSkipped())                                                                                     \
-            return;                                                                                          \
-    } while (false)
-
 TEST_F(StreamTest, TheCanvasFollowsTheScreen) {
-    START(StartScreen);
-    START(StartDaemon);
+    START(Start());
     ASSERT_TRUE(Settle());
     const int framesBefore = client->WholeFrames();
 
@@ -121,29 +93,8 @@ TEST_F(StreamTest, TheCanvasFollowsTheScreen) {
     EXPECT_LE(client->WholeFrames() - framesBefore, client->Polls() / 242 + 1) << "it went by diffs";
 }
 
-TEST_F(StreamTest, TheCanvasFollowsAPresetsRegion) {
-    START(StartScreen);
-    LocalProgram program(server->Display());
-    client = std::make_unique<StreamClient>(program.Port());
-    program.Serve([&] {
-        program.AtThePanel([&](vnPanel& panel) {
-            panel.SelectItem(vnControl::fSelectPopup, 3); // 320 x 240 centred.
-            program.Controller().selectChangeMessage();
-        });
-        ASSERT_TRUE(Settle());
-        EXPECT_EQ(client->Attribute("rect"), "240,180,559,419");
-        for (int moment = 0; moment < 40; ++moment) {
-            for (int i = 0; i < 8; ++i)
-                PaintSomething(100, 100);
-            ASSERT_TRUE(Settle()) << "moment " << moment << ", difference " << LargestDifference();
-        }
-        EXPECT_GT(client->DiffReplies(), 20);
-    });
-}
-
 TEST_F(StreamTest, TheCanvasFollowsAWindowThatIsMovedAbout) {
-    START(StartScreen);
-    START(StartDaemon);
+    START(Start());
     XWindows windows(server->Display());
     const xcb_window_t window = windows.Open(50, 60, 320, 200);
     windows.Show(window);
@@ -164,8 +115,10 @@ TEST_F(StreamTest, TheCanvasFollowsAWindowThatIsMovedAbout) {
 }
 
 TEST_F(StreamTest, AnIdleScreenCostsNoPictures) {
-    START(StartScreen);
-    START(StartDaemon);
+    START(Start());
+    // From right behind a whole frame, which comes by itself every 242 replies.
+    const int framesBefore = client->WholeFrames();
+    ASSERT_TRUE(Follow([&] { return client->WholeFrames() > framesBefore + 1; }));
     ASSERT_TRUE(Settle());
     const int before = client->DiffReplies() + client->WholeFrames();
     for (int i = 0; i < 100; ++i)
@@ -175,12 +128,12 @@ TEST_F(StreamTest, AnIdleScreenCostsNoPictures) {
     painter->Fill(320, 160, 16, 32, 0xFFFFFF);
     const int diffsBefore = client->DiffReplies();
     ASSERT_TRUE(Follow([&] { return client->DiffReplies() > diffsBefore; }));
-    EXPECT_EQ(client->LastRect(), "320,160,335,199") << "one cell, on the grid from each edge";
+    EXPECT_EQ(client->Attribute("section_rect_1"), "320,160,335,199")
+        << "one cell, on the grid from each edge";
 }
 
 TEST_F(StreamTest, ClientsWithOtherNumbersAndCropsOrThatGiveUpDoNotDisturb) {
-    START(StartScreen);
-    START(StartDaemon);
+    START(Start());
     const std::string crop = "<member><name>crop_left</name><value><int>64</int></value></member>";
     StreamClient cropped(daemon->Port(), crop);
     for (int i = 0; i < 20; ++i) {
@@ -198,45 +151,6 @@ TEST_F(StreamTest, ClientsWithOtherNumbersAndCropsOrThatGiveUpDoNotDisturb) {
         EXPECT_EQ(recv(quitter.Descriptor(), &byte, 1, 0), 1);
     } // And goes, in the middle of its reply.
     ASSERT_TRUE(Settle());
-}
-
-TEST_F(StreamTest, GoesOnAfterAPause) {
-    START(StartScreen);
-    LocalProgram program(server->Display());
-    client = std::make_unique<StreamClient>(program.Port());
-    program.Serve([&] {
-        ASSERT_TRUE(Settle());
-        for (int round = 0; round < 3; ++round) {
-            program.AtThePanel([&](vnPanel&) { program.Controller().muteMessage(); });
-            painter->Fill(round * 100, 100, 50, 50, 0xFF0000);
-            ASSERT_TRUE(client->Poll());
-            EXPECT_EQ(client->Attribute("muted"), "1");
-            EXPECT_FALSE(client->HadPictures());
-            program.AtThePanel([&](vnPanel&) { program.Controller().muteMessage(); });
-            const int frames = client->WholeFrames();
-            ASSERT_TRUE(client->Poll());
-            EXPECT_EQ(client->WholeFrames(), frames + 1);
-            ASSERT_TRUE(Settle());
-        }
-    });
-}
-
-TEST_F(StreamTest, FollowsTheScreenToAnotherSize) {
-    START(StartScreen);
-    START(StartDaemon);
-    ASSERT_TRUE(Settle());
-    ASSERT_EQ(painter->Xrandr("--newmode small 0 640 0 0 640 480 0 0 480"), 0);
-    ASSERT_EQ(painter->Xrandr("--addmode screen small >/dev/null"), 0);
-    const struct {
-        const char* mode;
-        const char* rect;
-    } modes[] = {{"small", "0,0,639,479"}, {"800x600", "0,0,799,599"}, {"small", "0,0,639,479"}};
-    for (const auto& [mode, rect] : modes) {
-        ASSERT_EQ(painter->Xrandr(std::string("--output screen --mode ") + mode + " >/dev/null"), 0);
-        painter->Fill(10, 20, 200, 100, 0x00FF00);
-        ASSERT_TRUE(Follow([&] { return client->Attribute("rect") == rect; })) << client->Attribute("rect");
-        ASSERT_TRUE(Settle()) << mode;
-    }
 }
 
 } // namespace
