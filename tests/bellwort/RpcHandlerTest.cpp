@@ -166,13 +166,4 @@ TEST_F(RpcHandlerTest, BodyThatBreaksOffBehindItsMethodIsExecuted) {
         EXPECT_EQ(Post(body), kPlainReply) << body;
 }
 
-TEST_F(RpcHandlerTest, TakesOnlyPostsThatHoldACall) {
-    const auto takes = [](int method, const char* text) {
-        return cHttpHandlerRPC("").CanHandle(method, "/", "", "", text);
-    };
-    EXPECT_TRUE(takes(cHttpHandler::kMethodPost, "POST /<methodCall> HTTP/1.1"));
-    EXPECT_FALSE(takes(cHttpHandler::kMethodPost, "POST / HTTP/1.1\r\n\r\n<methodcall>"));
-    EXPECT_FALSE(takes(cHttpHandler::kMethodGet, "GET / HTTP/1.1\r\n\r\n<methodCall>"));
-}
-
 } // namespace

@@ -17,31 +17,6 @@ class PanelTest : public ShellTest {
     PanelTest() { Launch(); }
 };
 
-TEST_F(PanelTest, TakesTheShapeOfTheSource) {
-    const struct {
-        const char* what;
-        vnControl popup;
-        int item;
-        bool hasWindowPopup, hasSizeFields, hasRegionButton;
-        int extraHeight;
-    } kSteps[] = {
-        {"region", fSelectPopup, kRegion, false, false, true, 30},
-        {"custom size: one row goes, another comes", fSelectPopup, kCustom, false, true, false, 30},
-        {"the same shape again", fSelectPopup, kCustom, false, true, false, 30},
-        {"full screen", fSelectPopup, kFullScreen, false, false, false, 0},
-        {"windows", fDevicePopup, kWindowItem, true, false, false, 30},
-        {"the other display", fDevicePopup, 1, false, false, false, 0},
-    };
-    for (const auto& step : kSteps) {
-        panel().Choose(step.popup, step.item);
-        EXPECT_EQ(!State(fWindowPopup).hidden, step.hasWindowPopup) << step.what;
-        EXPECT_EQ(!State(windowTextField).hidden, step.hasWindowPopup) << step.what;
-        EXPECT_EQ(!State(heightTextField).hidden, step.hasSizeFields) << step.what;
-        EXPECT_EQ(!State(selectRegionButton).hidden, step.hasRegionButton) << step.what;
-        EXPECT_EQ(panel().ExtraHeight(), step.extraHeight) << step.what;
-    }
-}
-
 TEST_F(PanelTest, LimitsTypedSizesToTheDisplay) {
     panel().Choose(fSelectPopup, kCustom);
     const struct {
@@ -101,23 +76,6 @@ TEST_F(PanelTest, ChoosesWindowsByApplication) {
     panel().Choose(fDevicePopup, 0);
     EXPECT_FALSE(IsOnWindow());
     EXPECT_EQ(State(selectTextField).text, "vn_selection_label");
-}
-
-TEST_F(PanelTest, PausesAndResumes) {
-    panel().Choose(fSelectPopup, kRegion);
-    panel().Press(muteButton);
-    EXPECT_TRUE(controller.Front().IsPaused());
-    EXPECT_EQ(State(muteButton).text, "vn_resume");
-    panel().Choose(fDevicePopup, 1);
-    EXPECT_EQ(controller.Front().CurrentDeviceIndex(), 0) << "disabled";
-
-    interface.OpenStatusMenu();
-    interface.ChooseFromStatusMenu(2, 1);
-    EXPECT_EQ(Picture(), "50,8,40x30") << "the status menu goes on working";
-
-    panel().Press(muteButton);
-    EXPECT_FALSE(controller.Front().IsPaused());
-    EXPECT_TRUE(State(fDevicePopup).enabled);
 }
 
 TEST_F(PanelTest, KeepsOneOfVideoAndAudioOn) {

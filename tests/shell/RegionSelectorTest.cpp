@@ -82,19 +82,6 @@ TEST_F(RegionSelectorTest, FadesInAndOutInThirtyTicksEach) {
     EXPECT_EQ(machine.TimerCount(), 0U);
 }
 
-TEST_F(RegionSelectorTest, IsShownAgainWhileItFadesOut) {
-    machine.Tick(30);
-    view.CancelOperation();
-    EXPECT_TRUE(selector.GetSelectionWasCancelled());
-    EXPECT_THAT(completed, ElementsAre(host::Rect{}));
-    machine.Tick(10);
-    selector.Show();
-    machine.Tick(60);
-    EXPECT_TRUE(interface.notes.exists);
-    EXPECT_EQ(interface.notes.alphas.back(), 1);
-    EXPECT_EQ(view.Selection(), (host::Rect{100, 100, 200, 150}));
-}
-
 TEST_F(RegionSelectorTest, HasEightHandlesAndTheirCursors) {
     const struct {
         host::Point place;

@@ -40,17 +40,6 @@ class RemoteControlTest : public ShellTest {
     zRecord fMenus;
 };
 
-TEST_F(RemoteControlTest, ListsScreensFromTheLastAndThenWindows) {
-    EXPECT_THAT(Menus(), ElementsAre("Screen 'vn_display_number'", " Full Screen", " Select Screen Region",
-                                     "*Screen 'vn_display_number'", " *Full Screen", " Select Screen Region",
-                                     "Editor", " Letter", " Notes", "Browser", " News"));
-    EXPECT_EQ(fMenus.Child(0)->AsInt32("device_index", -1), 1);
-    EXPECT_STREQ(fMenus.Child(0)->Child(1)->AsCString("id", ""), vnRemoteControl_mac::kScreenDevice);
-    EXPECT_EQ(fMenus.Child(0)->Child(1)->AsInt32("options", 0), 4);
-    EXPECT_TRUE(fMenus.Child(0)->Child(0)->AsBool("fullScreen", false));
-    EXPECT_EQ(fMenus.Child(2)->AsInt32("pid_low", 0), 10);
-}
-
 TEST_F(RemoteControlTest, ChoosesAScreenThenAWindowThenAScreen) {
     Menus();
     Choose(0, 0);
