@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "Picture.h"
+#include "Response.h"
 #include "ScreenFixture.h"
 #include "StreamClient.h"
 
@@ -148,7 +149,7 @@ TEST_F(ScreenTest, HandsOutThePointerThatTheServerHas) {
 TEST_F(ScreenTest, OutlivesItsXServerAndFollowsTheNextOne) {
     START(Start(kWidth, kHeight, {XServer::PrivateDisplay()}));
     ASSERT_NO_FATAL_FAILURE(Serve());
-    StreamClient stream(daemon->Port(), "", "SnapshotByDiffs", 300);
+    StreamClient stream(daemon->Port(), false, 0.3);
     const auto awaitColour = [&](int x, int y, uint32_t colour) {
         return Await([&] { return stream.Poll() && stream.Difference(x, y, colour) <= 8; });
     };

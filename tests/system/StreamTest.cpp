@@ -5,6 +5,7 @@
 #include <memory>
 #include <random>
 
+#include "Response.h"
 #include "ScreenFixture.h"
 #include "StreamClient.h"
 #include "XWindows.h"
@@ -33,15 +34,17 @@ class StreamTest : public ScreenFixture {
     }
     /// Until the canvas shows what a screenshot shows.
     bool Settle() {
-        return Follow([this] { return !client->HadPictures() && LargestDifference() <= kTolerance; });
+        return Follow(
+            [this] { return client->Last().pictures.empty() && LargestDifference() <= kTolerance; });
     }
 
     /// Between the canvas and a screenshot of its place. JPEG blurs what is next to an edge: only places
     /// whose neighbours have their colour are compared.
     int LargestDifference() {
-        const int width = client->Width();
-        const int height = client->Height();
-        const std::vector<uint32_t> shot = painter->Screenshot(client->Left(), client->Top(), width, height);
+        const zRect frame = client->Frame();
+        const int width = frame.Width();
+        const int height = frame.Height();
+        const std::vector<uint32_t> shot = painter->Screenshot(frame.left, frame.top, width, height);
         int largest = shot.empty() ? 255 : 0;
         const auto at = [&](int x, int y) { return shot[static_cast<size_t>(y * width + x)]; };
         const auto isPlain = [&](int x, int y) {
@@ -78,19 +81,30 @@ class StreamTest : public ScreenFixture {
 TEST_F(StreamTest, TheCanvasFollowsTheScreen) {
     START(Start());
     ASSERT_TRUE(Settle());
-    const int framesBefore = client->WholeFrames();
-
-    for (int changes = 0, moment = 0; changes < 600; ++moment) {
-        for (int burst = 1 + Below(16); burst > 0; --burst, ++changes) {
-            PaintSomething(burst % 3 ? 60 : 400, burst % 3 ? 60 : 300);
-            if (burst % 3 == 0) {
-                ASSERT_TRUE(client->Poll());
+    const uint64_t framesBefore = client->WholeFrames();
+    XWindows windows(server->Display());
+    const xcb_window_t window = windows.Open(50, 60, 200, 150, 3);
+    windows.Show(window);
+    const auto work = [&](int wanted) {
+        for (int changes = 0; changes < wanted;) {
+            for (int burst = 1 + Below(16); burst > 0; --burst, ++changes) {
+                PaintSomething(burst % 3 ? 60 : 400, burst % 3 ? 60 : 300);
+                if (burst % 3 == 0) {
+                    ASSERT_TRUE(client->Poll());
+                }
+                if (burst % 8 == 0)
+                    windows.Place(window, Below(kWidth), Below(kHeight), 200, 150);
             }
+            ASSERT_TRUE(Settle()) << "after " << changes << ", difference " << LargestDifference();
         }
-        ASSERT_TRUE(Settle()) << "moment " << moment << ", difference " << LargestDifference();
-    }
-    EXPECT_GT(client->DiffReplies(), 50);
+    };
+    ASSERT_NO_FATAL_FAILURE(work(400));
+    EXPECT_GT(client->DiffReplies(), 50U);
     EXPECT_LE(client->WholeFrames() - framesBefore, client->Polls() / 242 + 1) << "it went by diffs";
+
+    ASSERT_NO_FATAL_FAILURE(SetMode(640, 480));
+    ASSERT_TRUE(Follow([&] { return client->Frame() == zRect(640, 480); }));
+    ASSERT_NO_FATAL_FAILURE(work(200));
 }
 
 TEST_F(StreamTest, TheCanvasFollowsAWindowThatIsMovedAbout) {
@@ -109,41 +123,45 @@ TEST_F(StreamTest, TheCanvasFollowsAWindowThatIsMovedAbout) {
             PaintSomething(200, 200);
         ASSERT_TRUE(Settle()) << "moment " << moment << ", difference " << LargestDifference();
         const xcb_rectangle_t place = windows.Outline(window);
-        ASSERT_TRUE(Follow([&] { return client->Left() == place.x && client->Top() == place.y; }));
-        ASSERT_TRUE(client->Width() == place.width && client->Height() == place.height);
+        const zRect rect(place.x, place.y, place.x + place.width - 1, place.y + place.height - 1);
+        ASSERT_TRUE(Follow([&] { return client->Frame() == rect; }));
     }
 }
 
 TEST_F(StreamTest, AnIdleScreenCostsNoPictures) {
     START(Start());
     // From right behind a whole frame, which comes by itself every 242 replies.
-    const int framesBefore = client->WholeFrames();
+    const uint64_t framesBefore = client->WholeFrames();
     ASSERT_TRUE(Follow([&] { return client->WholeFrames() > framesBefore + 1; }));
     ASSERT_TRUE(Settle());
-    const int before = client->DiffReplies() + client->WholeFrames();
+    const uint64_t before = client->DiffReplies() + client->WholeFrames();
     for (int i = 0; i < 100; ++i)
         ASSERT_TRUE(client->Poll());
     EXPECT_EQ(client->DiffReplies() + client->WholeFrames(), before);
 
     painter->Fill(320, 160, 16, 32, 0xFFFFFF);
-    const int diffsBefore = client->DiffReplies();
+    const uint64_t diffsBefore = client->DiffReplies();
     ASSERT_TRUE(Follow([&] { return client->DiffReplies() > diffsBefore; }));
-    EXPECT_EQ(client->Attribute("section_rect_1"), "320,160,335,199")
+    EXPECT_EQ(client->Last().pictures[0].place, zRect(320, 160, 335, 199))
         << "one cell, on the grid from each edge";
 }
 
 TEST_F(StreamTest, ClientsWithOtherNumbersAndCropsOrThatGiveUpDoNotDisturb) {
     START(Start());
-    const std::string crop = "<member><name>crop_left</name><value><int>64</int></value></member>";
-    StreamClient cropped(daemon->Port(), crop);
+    TestClient cropped(daemon->Port());
     for (int i = 0; i < 20; ++i) {
         painter->Fill(i * 30, i * 20, 80, 80, 0x0000FFU << i);
-        ASSERT_TRUE(cropped.Poll());
-        EXPECT_EQ(cropped.Attribute("rect"), "64,0,799,599");
-        ASSERT_TRUE(client->Poll());
-        EXPECT_EQ(client->Attribute("rect"), "0,0,799,599");
         const uint32_t numbers[] = {0, 0xFFFFFFFF, 0x80000000 + static_cast<uint32_t>(i)};
-        cropped.Forget(numbers[i % 3]);
+        const auto reply =
+            cropped.Call("SnapshotByDiffs",
+                         "<params><param><value><struct><member><name>crop_left</name><value><int>64</int>"
+                         "</value></member><member><name>sequence_id</name><value><string>" +
+                             std::to_string(numbers[i % 3]) +
+                             "</string></value></member></struct></value></param></params>");
+        ASSERT_TRUE(reply);
+        EXPECT_EQ(Response(*reply).Attribute("rect"), "64,0,799,599");
+        ASSERT_TRUE(client->Poll());
+        EXPECT_EQ(client->Last().frame, zRect(0, 0, 799, 599));
 
         TestClient quitter(daemon->Port());
         quitter.Send(TestClient::Request(TestClient::MethodCall("SnapshotByDiffs")));

@@ -26,7 +26,7 @@ class StreamedSound : public ScreenFixture {
         if (!painter)
             return;
         ASSERT_NO_FATAL_FAILURE(StartDaemon());
-        client = std::make_unique<StreamClient>(daemon->Port(), "", "SnapshotByDiffsWithAudio");
+        client = std::make_unique<StreamClient>(daemon->Port(), true);
     }
 
     /// One poll at a receiver's pace. It must not take long, whatever the sound does.
