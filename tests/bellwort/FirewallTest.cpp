@@ -55,31 +55,4 @@ TEST(FirewallTest, StateDecidesFrom10Point5) {
     EXPECT_FALSE(is_blocked(0x1080, host::Desktop::kRuleFirewallFile, cases[2].dictionary));
 }
 
-TEST(FirewallTest, RulesDecideBefore10Point5) {
-    const std::string on = "<key>state</key><true/>";
-    const auto rule = [](const char* enable, const char* ports) {
-        return std::string("<key>firewall</key><dict><key>ours</key><dict><key>enable</key>") + enable +
-               "<key>port</key>" + ports + "</dict></dict>";
-    };
-    const struct {
-        std::string dictionary;
-        bool blocked;
-    } cases[] = {
-        {"", false},
-        {"<key>state</key><false/>", false},
-        {"<key>state</key><integer>1</integer>", false},
-        {on, true},
-        {on + "<key>firewall</key><string>no</string>", true},
-        {on + rule("<integer>1</integer>", "<array><string>22</string><string>7272</string></array>"), false},
-        {on + rule("<integer>0</integer>", "<array><string>7272</string></array>"), true},
-        {on + rule("<true/>", "<array><string>7272</string></array>"), true},
-        {on + rule("<integer>1</integer>", "<array><integer>7272</integer></array>"), true},
-        {on + rule("<integer>1</integer>", "<string>7272</string>"), true},
-        {on + rule("<integer>1</integer>", "<array><string>17272</string></array>"), true},
-    };
-    for (const auto& one : cases)
-        EXPECT_EQ(is_blocked(0x1040, host::Desktop::kRuleFirewallFile, one.dictionary), one.blocked)
-            << one.dictionary;
-}
-
 } // namespace

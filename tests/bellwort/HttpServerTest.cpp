@@ -104,14 +104,6 @@ TEST_F(HttpServerTest, DropsWhatFollowsARequestInTheSameRead) {
     EXPECT_EQ(fHandler->Calls(), 2);
 }
 
-TEST_F(HttpServerTest, RequestsThatNobodyTakesGetNoBytes) {
-    TestClient client(Port());
-    client.Send("GET /x HTTP/1.1\r\n\r\n");
-    EXPECT_TRUE(TestClient(Port()).Post("behind it")) << "by now the first request is done with";
-    EXPECT_EQ(bytes_of(client.Post("next")), echo_reply("/||next"));
-    EXPECT_EQ(fHandler->Calls(), 2);
-}
-
 TEST_F(HttpServerTest, HostileClientsDisturbNobody) {
     using namespace std::literals;
     std::vector<std::unique_ptr<TestClient>> hostile;

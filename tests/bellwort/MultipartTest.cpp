@@ -168,40 +168,4 @@ TEST(HeaderTest, ParsesBlocksLineByLine) {
     EXPECT_EQ(cUtils::HeaderParse("A:", 2, open), 2);
 }
 
-TEST(HeaderTest, FindsEntriesByWholeNameIgnoringCase) {
-    const auto entry = [](const char* text, const char* name) {
-        const char* value = nullptr;
-        int length = 0;
-        const int result = cUtils::HeaderEntry_FindByName(text, name, &value, &length);
-        return result == 0 ? std::string(value, static_cast<size_t>(length)) : "missing";
-    };
-    EXPECT_EQ(entry("multipart/related;boundary=b", "Boundary"), "b");
-    EXPECT_EQ(entry("a ; \t x = 1 2 \r\n; BOUNDARY = \"q\" ;", "boundary"), "\"q\"");
-    EXPECT_EQ(entry("bound=1; boundaryx=2", "boundary"), "missing");
-    EXPECT_EQ(entry("boundary", "boundary"), "missing");
-    EXPECT_EQ(entry("=v", ""), "missing");
-    EXPECT_EQ(entry("x=a=b", "x"), "a=b");
-    EXPECT_EQ(entry("x=;y", "x"), "");
-}
-
-TEST(BoyerMooreTest, FindsWhatAPlainSearchFinds) {
-    std::mt19937 random(3);
-    const auto text_of = [&](size_t size) {
-        std::string text(size, 0);
-        std::generate(text.begin(), text.end(), [&] { return "ab\xFF"[random() % 3]; });
-        return text;
-    };
-    for (int i = 0; i < 3000; ++i) {
-        const std::string text = text_of(random() % 60);
-        const std::string pattern = text_of(1 + random() % 5);
-        const cBoyerMoore search(pattern.data(), static_cast<int>(pattern.size()));
-        const size_t found = text.find(pattern);
-        EXPECT_EQ(search.FindIn(text.data(), static_cast<int>(text.size())),
-                  found == std::string::npos ? -1 : static_cast<int>(found));
-    }
-    const std::string longest(256, 'x');
-    for (const auto& [size, found] : {std::pair{255, 0}, {256, -1}, {0, -1}})
-        EXPECT_EQ(cBoyerMoore(longest.data(), size).FindIn(longest.data(), 256), found) << size;
-}
-
 } // namespace

@@ -114,16 +114,4 @@ TEST_F(ConfigurableSnapshotTest, KeepsCapturingWhereAWindowLastStood) {
     EXPECT_EQ(front.Grab(&buffer, zRect(), nullptr), -1) << "a new focus forgets the old place";
 }
 
-TEST(ConfigurableSnapshot, TellsClientsOfAtMost2048Pixels) {
-    int alive = 0;
-    {
-        vnConfigurableSnapshot front;
-        front.AddDevice("wide", new NotingDevice(zRect(100, 0, 100 + 2559, 1439), alive));
-        front.SetCurrentDeviceByIndex(0);
-        EXPECT_EQ(front.MaximumRect(), zRect(100, 0, 100 + 2047, 1439));
-        EXPECT_EQ(alive, 1);
-    }
-    EXPECT_EQ(alive, 0) << "the front owns its devices";
-}
-
 } // namespace

@@ -32,12 +32,6 @@ TEST_F(LaunchTest, AsksWhetherToEndWhenThePortIsTaken) {
     EXPECT_EQ(interface.panelsShown, 1);
 }
 
-TEST_F(LaunchTest, WarnsOfAFirewall) {
-    machine.isFirewalled = true;
-    Launch();
-    EXPECT_THAT(AlertTitles(), ElementsAre("vn_firewall_title"));
-}
-
 TEST_F(LaunchTest, OffersTheDriverWhereItIsMissingAndCameWithTheProgram) {
     const struct {
         bool installed, leftOut, installer;

@@ -36,16 +36,6 @@ TEST_F(StatusMenuTest, ListsWindowsByApplicationAndThoseInFront) {
         << "the panel finds new applications";
 }
 
-TEST_F(StatusMenuTest, BringsAWindowOfAnApplicationToTheFrontAndServesIt) {
-    interface.ChooseFromStatusMenu(3, 0);
-    EXPECT_EQ(Picture(), "70,10,24x16");
-    EXPECT_THAT(machine.broughtToFront, ElementsAre(11));
-    EXPECT_EQ(controller.Front().CurrentDeviceIndex(), -1);
-    EXPECT_EQ(SelectedTitle(vnControl::fDevicePopup), "vn_window");
-    EXPECT_EQ(SelectedTitle(vnControl::fSelectPopup), "Browser");
-    EXPECT_EQ(SelectedTitle(vnControl::fWindowPopup), "News");
-}
-
 TEST_F(StatusMenuTest, DoesNothingForWhatIsGoneOrWasNever) {
     machine.applications[0].windows.clear();
     interface.ChooseFromStatusMenu(2, 1);

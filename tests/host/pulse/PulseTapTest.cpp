@@ -75,25 +75,6 @@ class PulseTap : public testing::Test {
     if (!server.Start())                                                                                     \
     SKIP_OR_FAIL(server.WhyNot())
 
-TEST_F(PulseTap, TellsTheDefaultSinkAsItIs) {
-    NEED_SOUND();
-    ASSERT_TRUE(server.AddSink("six", 44100, 6));
-    host::AudioDeviceId id = 0;
-    ASSERT_EQ(device.DefaultOutputDevice(id), 0);
-    std::vector<uint32_t> channels;
-    EXPECT_EQ(device.StreamConfiguration(id, channels), 0);
-    EXPECT_EQ(channels, std::vector<uint32_t>{6});
-    double rate = 0;
-    EXPECT_EQ(device.NominalSampleRate(id, rate), 0);
-    EXPECT_EQ(rate, 44100);
-    std::string text;
-    EXPECT_EQ(device.ModelUID(id, text), 0);
-    EXPECT_EQ(text, "Loudspeaker");
-    EXPECT_EQ(device.DeviceUID(id, text), 0);
-    EXPECT_EQ(text, "six");
-    EXPECT_EQ(device.DeviceUID(id + 1, text), -1);
-}
-
 TEST_F(PulseTap, FollowsTheDefaultSinkInTheFirstOnesFormat) {
     NEED_SOUND();
     ASSERT_TRUE(server.AddSink("main", kRate, 2));
