@@ -2,9 +2,7 @@
 
 #include <filesystem>
 #include <map>
-#include <set>
 #include <string>
-#include <vector>
 
 #include "zRecord.h"
 #include "zXML.h"
@@ -53,33 +51,26 @@ std::string Placeholders(const std::string& text) {
     return found;
 }
 
-std::set<std::string> Keys(const Texts& texts) {
-    std::set<std::string> keys;
-    for (const auto& [key, text] : texts)
-        keys.insert(key);
-    return keys;
-}
-
 } // namespace
 
 TEST(LanguageFiles, HaveTheSameKeysAndPlaceholders) {
     const Texts english = Read("en");
     ASSERT_FALSE(english.empty());
-    int languages = 0;
+    int languages = 1;
     for (const char* code : {"de", "fr", "nl", "it", "es", "sv", "cs", "jp", "iw", "pt_BR"}) {
+        SCOPED_TRACE(code);
         const Texts texts = Read(code);
-        EXPECT_EQ(Keys(texts), Keys(english)) << code;
         int same = 0;
+        EXPECT_EQ(texts.size(), english.size());
         for (const auto& [key, text] : texts) {
             const auto base = english.find(key);
-            if (base == english.end())
-                continue;
-            EXPECT_EQ(Placeholders(text), Placeholders(base->second)) << code << ' ' << key;
+            ASSERT_NE(base, english.end()) << key;
+            EXPECT_EQ(Placeholders(text), Placeholders(base->second)) << key;
             same += text == base->second;
         }
-        EXPECT_LT(same, 8) << code << " is hardly translated";
+        EXPECT_LT(same, 8) << "hardly translated";
         ++languages;
     }
     const auto files = std::distance(std::filesystem::directory_iterator(LANGUAGE_FILES), {});
-    EXPECT_EQ(files, languages + 1) << "a file that no test looks at";
+    EXPECT_EQ(files, languages) << "a file that no test looks at";
 }
