@@ -166,12 +166,3 @@ TEST(XML, EncodesIntoLimitedRoom) {
     zXML::EncodeStringHTML("<\xC3\x84\xC3\xBC\xC3\x85>\xC2\xA1\xC2\xA9 \xE2\t~\r\n\xC3", target, &size);
     EXPECT_STREQ(target, "&lt;&Auml;&uuml;&#197;&gt;&iexcl;&???; &#226;&#9;~\n&#195;");
 }
-
-TEST(XML, AreasForOtherSystemsCanBeRemoved) {
-    zRecord root;
-    EXPECT_EQ(
-        Parse(root, "<a><b/><c only_for_os='mac'><d only_for_os='win'/><e/></c><f only_for_os='linux'/></a>"),
-        0);
-    zXML::RemoveOSSpecificAreas(root);
-    EXPECT_EQ(Written(root), "<a>\n\t<b />\n\t<c>\n\t\t<e />\n\t</c>\n</a>\n");
-}
