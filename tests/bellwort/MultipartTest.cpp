@@ -5,11 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "cBoyerMoore.h"
 #include "cMultipartReader.h"
 #include "cMultipartRecord.h"
 #include "cMultipartWriter.h"
-#include "cUtils.h"
 #include "zRecord.h"
 
 namespace {
@@ -145,27 +143,6 @@ TEST(MultipartTest, ReaderRefusesAbsurdArgumentsAndOffsets) {
         EXPECT_EQ(reader.Parse_BodyOnly(body.data(), size, "B", 1, offset), -1) << offset;
     for (const int boundarySize : {0, INT_MAX})
         EXPECT_EQ(reader.Parse_BodyOnly(body.data(), size, "B", boundarySize, 0), -1);
-}
-
-TEST(HeaderTest, ParsesBlocksLineByLine) {
-    const std::string longName(255, 'n');
-    const std::string block =
-        "Name: value\r\nFolded: a\r\n b\r\n\tc: d\r\nno colon\r\nEmpty:\r\nShort: \r\n" + longName +
-        ": dropped\r\n" + longName.substr(1) + ": kept\r\n\r\nBody: x\r\n";
-    zRecord record;
-    EXPECT_EQ(cUtils::HeaderParse(block.data(), static_cast<int>(block.size()), record),
-              static_cast<int>(block.find("\r\n\r\n") + 2));
-    EXPECT_EQ(record.VariableCount(), 5);
-    EXPECT_STREQ(record.AsCString("Name", ""), "value");
-    EXPECT_STREQ(record.AsCString("Folded", ""), "a\r\n b\r\n\tc: d");
-    EXPECT_STREQ(record.AsCString("Empty", "-"), "");
-    EXPECT_STREQ(record.AsCString("Short", "-"), "");
-    EXPECT_STREQ(record.AsCString(longName.substr(1).c_str(), ""), "kept");
-
-    zRecord open;
-    EXPECT_EQ(cUtils::HeaderParse("A: 123", 6, open), 6);
-    EXPECT_STREQ(open.AsCString("A", ""), "1") << "a last line without its end loses two bytes";
-    EXPECT_EQ(cUtils::HeaderParse("A:", 2, open), 2);
 }
 
 } // namespace

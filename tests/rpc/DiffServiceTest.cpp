@@ -263,19 +263,6 @@ TEST_F(DiffServiceTest, AddsTheSoundSinceTheLastCall) {
     EXPECT_TRUE(AwaitSound()) << "a new source";
 }
 
-TEST_F(DiffServiceTest, ASoundServerThatHangsHoldsUpNobody) {
-    machine.Hang(true);
-    const auto start = std::chrono::steady_clock::now();
-    for (const bool enabled : {true, true, false, true}) {
-        front.EnableAudio(enabled);
-        ASSERT_EQ(Call(0, {}, kWithAudio), 0);
-        EXPECT_EQ(Pictures(), 1U);
-    }
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
-    machine.Hang(false);
-    EXPECT_TRUE(AwaitSound());
-}
-
 TEST_F(DiffServiceTest, EachReplyThatHasLeftIsOneTick) {
     ASSERT_EQ(Call(0), 0);
     {

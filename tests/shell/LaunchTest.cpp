@@ -74,15 +74,4 @@ TEST_F(LaunchTest, ServesWithoutDisplaysAndWindows) {
     EXPECT_TRUE(TestClient(controller.Server()->Port()).Call("CheckConnection"));
 }
 
-TEST_F(LaunchTest, EndsOnce) {
-    Launch();
-    controller.quitMessage();
-    EXPECT_TRUE(machine.stopped);
-    controller.applicationWillTerminate();
-    EXPECT_EQ(controller.Server(), nullptr);
-    controller.applicationWillTerminate();
-    EXPECT_EQ(machine.openFramebuffers, 0);
-    panel().Press(muteButton); // Nobody listens any more.
-}
-
 } // namespace
