@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <set>
 
 #include <gtest/gtest.h>
 
@@ -60,11 +59,6 @@ class BuiltinDisplays : public testing::Test, private host::RefreshListener {
         machine.RunLoopPort().Run();
         machine.RunLoopPort().RemoveTimer(bound);
         return reported;
-    }
-    host::Rect RectOf(host::WindowId window) {
-        host::Rect rect;
-        EXPECT_EQ(machine.WindowServerPort().ScreenRectForWindow(window, rect), 0);
-        return rect;
     }
 
     SetClock clock;

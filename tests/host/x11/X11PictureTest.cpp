@@ -181,7 +181,7 @@ TEST_F(X11Picture, FailsAtOnceWhenTheServerHasDied) {
         std::vector<host::DisplayId> ids;
         EXPECT_EQ(Displays().ActiveDisplays(ids), -1);
         EXPECT_EQ(Displays().MainDisplay(), 0U);
-        EXPECT_EQ(BoundsOf(1)[2], 0);
+        EXPECT_EQ(Displays().Bounds(1).width, 0);
         EXPECT_FALSE(Pointer().IsVisible());
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
     }
