@@ -124,25 +124,15 @@ TEST(Record, ChildrenComeGoAndAreSorted) {
 }
 
 TEST(Record, SearchesGoDepthFirstAndAsDeepAsTold) {
-    zRecord apple;
-    apple.SetCString(kB, "apple");
-    zRecord root(apple);
-    root.AddChild(new zRecord(apple));
+    zRecord root;
+    root.SetCString(kB, "apple");
+    root.AddChild(new zRecord(root));
     zRecord* const child = root.Child(0);
     child->AddChild(NewNumber(77));
-    const struct {
-        unsigned int variable;
-        const char* text;
-        bool withRoot;
-        int depth;
-        z_match_method match;
-        const zRecord* found;
-    } cases[] = {
-        {kB, "apple", true, 5, kMatch_Exact, &root},         {kB, "app", false, 5, kMatch_Contains, child},
-        {kB, "app", false, 5, kMatch_Exact, nullptr},        {kA, "77", false, 1, kMatch_Exact, nullptr},
-        {kA, "77", false, 2, kMatch_Exact, child->Child(0)},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(root.FindChildByStrVariable(c.variable, c.text, c.withRoot, c.depth, c.match), c.found);
+    EXPECT_EQ(root.FindChildByStrVariable(kB, "apple", true, 5, kMatch_Exact), &root);
+    EXPECT_EQ(root.FindChildByStrVariable(kB, "app", false, 5, kMatch_Contains), child);
+    EXPECT_EQ(root.FindChildByStrVariable(kB, "app", false, 5, kMatch_Exact), nullptr);
+    EXPECT_EQ(root.FindChildByStrVariable(kA, "77", false, 1, kMatch_Exact), nullptr);
+    EXPECT_EQ(root.FindChildByStrVariable(kA, "77", false, 2, kMatch_Exact), child->Child(0));
     EXPECT_EQ(root.FindChildByInt32Variable(kA, 0, true, 5), &root) << "an absent variable matches 0";
 }
