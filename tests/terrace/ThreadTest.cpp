@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "FunctionThread.h"
@@ -22,19 +24,19 @@ std::unique_ptr<zSignal> new_signal() {
 
 TEST(Thread, RunsWithAnIdOfItsOwnAndGivesItsResult) {
     EXPECT_TRUE(zThread::IsCurrentThreadMain()) << "the boot ran on this thread";
-    int seen = 0;
+    std::set<int> ids;
     for (char priority = 0; priority <= 7; ++priority) {
-        const int previous = seen;
-        const auto work = [&seen] {
-            seen = zThread::CurrentThreadID();
-            return zThread::IsCurrentThreadMain() ? 1 : 42;
-        };
-        const auto thread = StartThread(work, 0, priority);
+        const auto thread = StartThread(
+            [&ids] {
+                ids.insert(zThread::CurrentThreadID());
+                return zThread::IsCurrentThreadMain() ? 1 : 42;
+            },
+            0, priority);
         EXPECT_EQ(thread->WaitForExit(), 42);
         EXPECT_EQ(thread->WaitForExit(), 42);
-        EXPECT_EQ(seen, thread->ThreadID());
-        EXPECT_GT(seen, previous);
+        EXPECT_EQ(ids.count(thread->ThreadID()), 1U);
     }
+    EXPECT_EQ(ids.size(), 8U);
 }
 
 /// Whether one of this process's threads has given itself that name, as its first act.
@@ -51,10 +53,12 @@ bool is_running(const std::string& name) {
 TEST(Thread, FactoryWaitsForTheStartIfAsked) {
     const auto go = new_signal();
     for (int round = 0; round < 100; ++round) { // Without waiting it would be too early in most of them.
-        const auto thread = StartThread([&go] { return go->Wait(), 0; }, zThread::kWaitForStart);
-        ASSERT_TRUE(is_running("test")) << "round " << round;
+        const std::string name = "started " + std::to_string(round);
+        const auto thread = StartThread([&go] { return go->Wait(), 0; }, zThread::kWaitForStart,
+                                        zThread::kNormalPriority, name.c_str());
+        ASSERT_TRUE(is_running(name));
         go->Signal();
-        EXPECT_EQ(thread->WaitForExit(), 0);
+        thread->WaitForExit();
     }
 }
 
@@ -118,12 +122,8 @@ TEST(Critical, IsRecursiveAndExcludesOthers) {
             const zAutoCritical inner(lock.get());
             ++count;
         }
-        return 0;
     };
-    const auto one = StartThread(raise);
-    const auto two = StartThread(raise);
-    one->WaitForExit();
-    two->WaitForExit();
+    { const std::jthread one(raise), two(raise); }
     EXPECT_EQ(count, 4000);
 }
 
@@ -134,10 +134,10 @@ TEST(RefCount, TheLastReleaseDeletes) {
         bool& gone;
     };
     bool gone = false;
-    auto* object = new Counted(gone);
-    EXPECT_EQ(object->AddRef(), 2);
-    EXPECT_EQ(object->Release(), 1);
+    zRefPtr<Counted> object(new Counted(gone));
+    object->AddRef();
+    object->Release();
     EXPECT_FALSE(gone);
-    zRefPtr<Counted>(object).reset();
+    object.reset();
     EXPECT_TRUE(gone);
 }
