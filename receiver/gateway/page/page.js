@@ -165,7 +165,7 @@ class Status {
     const state = glasspane.state;
     if (!this.isGatewayHere) return ["gone", "The gateway is gone; trying again …", true];
     if (!state) return ["wait", "Connecting …", true];
-    if (!state.connected && state.failure) return ["gone", `No picture: ${state.failure}. Trying again …`, true];
+    if (!state.connected && state.failure) return ["gone", `Trying again: ${state.failure}`, true];
     if (!state.connected) return ["wait", `Connecting to ${state.server} …`, true];
     if (state.muted) return ["muted", "The source is paused", true];
     if (!pictures.hasAny) return ["wait", "Waiting for the first picture …", true];
