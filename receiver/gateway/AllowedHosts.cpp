@@ -34,8 +34,10 @@ std::string quoted(const std::string& text) {
 AllowedHosts::AllowedHosts(const Address& listen, const std::vector<std::string>& names)
     : fNames{"localhost", "127.0.0.1", "::1", lower(listen.host)},
       fTakesAnyAddress(listen.host == "0.0.0.0" || listen.host == "::") {
-    for (const std::string& name : names)
-        fNames.push_back(lower(name));
+    for (const std::string& name : names) {
+        const auto address = Address::Parse(name); // Someone may have given a port, which doesn't matter.
+        fNames.push_back(lower(address ? address->host : name));
+    }
 }
 
 bool AllowedHosts::is_allowed(const std::string& name) const {

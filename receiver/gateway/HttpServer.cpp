@@ -47,6 +47,12 @@ void refuse(int socket) {
     close(socket);
 }
 
+/// Replies are whole and as they are: ranges of a live picture make no sense, and packing costs time.
+void simplify(httplib::Request& request) {
+    request.ranges.clear();
+    request.headers.erase("Accept-Encoding");
+}
+
 } // namespace
 
 HttpServer::HttpServer() {
@@ -123,7 +129,7 @@ void HttpServer::serve(Peer& peer) {
     SocketStream stream(peer.socket);
     bool isClosed = false;
     while (!isClosed && stream.WaitForRequest())
-        if (!process_request(stream, false, isClosed, nullptr))
+        if (!process_request(stream, false, isClosed, simplify))
             break;
     shutdown(peer.socket, SHUT_RDWR);
     std::lock_guard lock(fMutex);

@@ -17,7 +17,8 @@ using namespace std::chrono_literals;
 
 constexpr auto kIdleTime = 30s; ///< Between the requests of one connection.
 constexpr auto kRequestTime = 10s;
-constexpr auto kWriteTime = 10s; ///< For each picture, say.
+constexpr size_t kRequestBytes = 128 * 1024; ///< With its body, which is some JSON at most.
+constexpr auto kWriteTime = 10s;             ///< For each picture, say.
 /// What may wait to be sent: a picture or so, lest a slow viewer sees old ones.
 constexpr int kSendBuffer = 256 * 1024;
 constexpr int kUnsentBytes = 64 * 1024;
@@ -67,6 +68,7 @@ bool SocketStream::WaitForRequest() {
     if (fStart == fEnd && !wait(POLLIN, Clock::now() + kIdleTime))
         return false;
     fRequestEnd = Clock::now() + kRequestTime;
+    fRequestBytes = 0;
     return true;
 }
 
@@ -80,7 +82,7 @@ bool SocketStream::is_writable() const {
 
 ssize_t SocketStream::read(char* bytes, size_t size) {
     if (fStart == fEnd) {
-        if (!wait(POLLIN, fRequestEnd))
+        if (fRequestBytes > kRequestBytes || !wait(POLLIN, fRequestEnd))
             return -1;
         const ssize_t got = recv(fSocket, fBuffer.data(), fBuffer.size(), MSG_DONTWAIT);
         if (got <= 0)
@@ -91,6 +93,7 @@ ssize_t SocketStream::read(char* bytes, size_t size) {
     const size_t count = std::min(size, fEnd - fStart);
     std::memcpy(bytes, fBuffer.data() + fStart, count);
     fStart += count;
+    fRequestBytes += count;
     return static_cast<ssize_t>(count);
 }
 

@@ -14,7 +14,8 @@ class SocketStream : public httplib::Stream {
     /// The socket stays the caller's.
     explicit SocketStream(int socket);
 
-    /// Waits for the next request; the whole of it then has to come in time. False if none comes.
+    /// Waits for the next request; the whole of it then has to come in time, and may have only so many bytes.
+    /// False if none comes.
     bool WaitForRequest();
 
     bool is_readable() const override;
@@ -36,6 +37,7 @@ class SocketStream : public httplib::Stream {
     std::array<char, 4096> fBuffer; ///< The request's head is read byte by byte.
     size_t fStart = 0;              ///< What has not been read yet.
     size_t fEnd = 0;
+    size_t fRequestBytes = 0;      ///< Read so far.
     Clock::time_point fRequestEnd; ///< When the request has to be here.
 };
 

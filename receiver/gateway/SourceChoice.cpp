@@ -1,7 +1,5 @@
 #include "SourceChoice.h"
 
-#include <chrono>
-
 #include <nlohmann/json.hpp>
 
 #include "Connection.h"
@@ -11,7 +9,6 @@ namespace receiver {
 
 namespace {
 
-using namespace std::chrono_literals;
 using nlohmann::ordered_json;
 
 enum Status { kFine = 200, kBadRequest = 400, kNotFound = 404, kBadGateway = 502, kBusy = 503 };
@@ -61,7 +58,7 @@ bool is_wish(const ordered_json& json) {
 } // namespace
 
 SourceChoice::Answer SourceChoice::List() {
-    const std::unique_lock lock(fMutex, 1s);
+    const std::unique_lock lock(fMutex, std::try_to_lock);
     if (!lock)
         return failure(kBusy, "the server is being asked already; try again");
     Connection connection(fServer, &fInterruption, {.seconds = kCallSeconds});
@@ -79,7 +76,7 @@ SourceChoice::Answer SourceChoice::Choose(const std::string& json) {
     const ordered_json wish = ordered_json::parse(json, nullptr, false);
     if (!is_wish(wish))
         return failure(kBadRequest, R"(ask with {"screen": 0, "region": false} or {"window": "its title"})");
-    const std::unique_lock lock(fMutex, 1s);
+    const std::unique_lock lock(fMutex, std::try_to_lock);
     if (!lock)
         return failure(kBusy, "the server is being asked already; try again");
     Connection connection(fServer, &fInterruption, {.seconds = kCallSeconds});

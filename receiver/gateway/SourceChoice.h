@@ -30,7 +30,7 @@ class SourceChoice {
   private:
     const Address fServer;
     const Interruption& fInterruption;
-    std::timed_mutex fMutex; ///< One question at a time.
+    std::mutex fMutex; ///< One question at a time.
 };
 
 } // namespace receiver

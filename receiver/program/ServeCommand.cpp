@@ -49,6 +49,7 @@ void add_options(CLI::App& command, Gateway::Settings& settings) {
     command
         .add_option("--allow-host", settings.allowedHosts,
                     "A name by which browsers may call it, besides localhost and that address")
+        ->allow_extra_args(false)
         ->option_text("NAME ...");
     command.add_option("--quality", settings.stream.quality, "Of the pictures")
         ->check(CLI::IsMember({"low", "normal", "high"}))

@@ -153,7 +153,7 @@ TEST_F(StillPictureTest, SourcesAreListedAndChosen) {
 }
 
 TEST(AllowedHostsTest, AnswersToItsOwnNamesAlone) {
-    const AllowedHosts own({"127.0.0.1", 8090}, {"Studio.example"});
+    const AllowedHosts own({"127.0.0.1", 8090}, {"Studio.example", "desk:80"});
     const AllowedHosts any({"0.0.0.0", 8090}, {});
     const struct {
         const AllowedHosts& hosts;
@@ -165,6 +165,7 @@ TEST(AllowedHostsTest, AnswersToItsOwnNamesAlone) {
         {own, "LocalHost", "", true},
         {own, "[::1]:80", "http://[::1]:80", true},
         {own, "studio.example:1", "https://studio.EXAMPLE:1", true},
+        {own, "desk:8090", "", true},
         {own, "", "", false},
         {own, "elsewhere.example", "", false},
         {own, "localhost.elsewhere.example", "", false},
