@@ -16,8 +16,14 @@ constexpr size_t kMaxBody = 64 * 1024; ///< Of a request.
 
 /// Hands each connection over at once, on the thread that took it.
 class NoQueue : public httplib::TaskQueue {
+    /// Nothing, or whether there was room, as the library's version has it.
+    using Taken = decltype(std::declval<httplib::TaskQueue>().enqueue({}));
+
   public:
-    void enqueue(std::function<void()> take) override { take(); }
+    Taken enqueue(std::function<void()> take) override {
+        take();
+        return Taken(true);
+    }
     void shutdown() override {}
 };
 

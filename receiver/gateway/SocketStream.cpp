@@ -65,7 +65,7 @@ bool SocketStream::wait(short events, Clock::time_point end) const {
 }
 
 bool SocketStream::WaitForRequest() {
-    if (fStart == fEnd && !wait(POLLIN, Clock::now() + kIdleTime))
+    if (fIsBroken || (fStart == fEnd && !wait(POLLIN, Clock::now() + kIdleTime)))
         return false;
     fRequestEnd = Clock::now() + kRequestTime;
     fRequestBytes = 0;
@@ -80,16 +80,20 @@ bool SocketStream::is_writable() const {
     return wait(POLLOUT, Clock::now() + kWriteTime);
 }
 
+/// What has come, into the buffer. Once that fails, no other request is taken.
+bool SocketStream::receive() {
+    ssize_t got = 0;
+    if (fRequestBytes <= kRequestBytes && wait(POLLIN, fRequestEnd))
+        got = recv(fSocket, fBuffer.data(), fBuffer.size(), MSG_DONTWAIT);
+    fIsBroken = got <= 0;
+    fStart = 0;
+    fEnd = fIsBroken ? 0 : static_cast<size_t>(got);
+    return !fIsBroken;
+}
+
 ssize_t SocketStream::read(char* bytes, size_t size) {
-    if (fStart == fEnd) {
-        if (fRequestBytes > kRequestBytes || !wait(POLLIN, fRequestEnd))
-            return -1;
-        const ssize_t got = recv(fSocket, fBuffer.data(), fBuffer.size(), MSG_DONTWAIT);
-        if (got <= 0)
-            return got;
-        fStart = 0;
-        fEnd = static_cast<size_t>(got);
-    }
+    if (fStart == fEnd && !receive())
+        return -1;
     const size_t count = std::min(size, fEnd - fStart);
     std::memcpy(bytes, fBuffer.data() + fStart, count);
     fStart += count;
