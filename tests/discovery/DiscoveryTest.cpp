@@ -8,6 +8,7 @@
 
 #include "BuiltinHost.h"
 #include "DiscoveryDaemon.h"
+#include "SkipOrFail.h"
 #include "cBonjour.h"
 #include "zObserver.h"
 #include "zObserverHandler.h"
@@ -39,11 +40,8 @@ class DiscoveryTest : public testing::Test {
     void SetUp() override {
         static DiscoveryDaemon daemon;
         static const bool isUp = daemon.Start();
-        if (!isUp) {
-            if (getenv("CI"))
-                FAIL() << daemon.WhyNot();
-            GTEST_SKIP() << daemon.WhyNot();
-        }
+        if (!isUp)
+            SKIP_OR_FAIL(daemon.WhyNot());
         fDaemon = &daemon;
     }
 
@@ -115,6 +113,18 @@ TEST_F(DiscoveryTest, ObserversHearOfServicesOfTheirType) {
         EXPECT_EQ(bonjour.Service_Unregister(kType, 0), 0);
     }
     handler.RemoveObserver(id);
+}
+
+TEST_F(DiscoveryTest, TheReceiverFindsWhoServes) {
+    cBonjour bonjour;
+    ASSERT_EQ(bonjour.Service_Register(kType, kPort, kText), 0);
+    EXPECT_TRUE(RunUntil([&] {
+        Program client({GLASSPANE_CLIENT, "discover", "--json", "--time", "1"});
+        fLine = client.ReadLine();
+        return fLine == "[{\"name\":\"glasspanetest\",\"host\":\"glasspanetest.local\",\"port\":17272,"
+                        "\"version\":\"2\"}]";
+    })) << fLine;
+    EXPECT_EQ(bonjour.Service_Unregister(kType, 0), 0);
 }
 
 // Last, as it takes the daemon away.

@@ -1,15 +1,10 @@
 #include "PosixRunLoop.h"
 
-#include <algorithm>
 #include <chrono>
-#include <csignal>
-#include <string>
 #include <thread>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
-
-#include "PosixClock.h"
 
 namespace {
 
@@ -56,41 +51,6 @@ TEST(PosixRunLoop, ReturnsAtOnceAfterAStopThatCameFirst) {
     EXPECT_TRUE(called);
 }
 
-TEST(PosixRunLoop, StopsFromAnotherThread) {
-    host::PosixRunLoop loop;
-    std::thread other([&] { loop.Stop(); });
-    loop.Run();
-    other.join();
-}
-
-host::PosixRunLoop* gLoop = nullptr;
-
-TEST(PosixRunLoop, StopsFromASignalHandler) {
-    host::PosixRunLoop loop;
-    gLoop = &loop;
-    struct sigaction action = {};
-    struct sigaction before = {};
-    action.sa_handler = [](int) { gLoop->Stop(); };
-    sigaction(SIGUSR1, &action, &before);
-    const pthread_t main = pthread_self();
-    Pipe pipe;
-    loop.AddDescriptor(pipe.Reader(), [&] {
-        pipe.Take();
-        pthread_kill(main, SIGUSR1);
-    });
-    pipe.Write();
-    loop.Run();
-    sigaction(SIGUSR1, &before, nullptr);
-}
-
-TEST(PosixRunLoop, CallsWhenAPeerHangsUp) {
-    host::PosixRunLoop loop;
-    Pipe pipe;
-    loop.AddDescriptor(pipe.Reader(), [&] { loop.Stop(); });
-    pipe.CloseWriter();
-    loop.Run();
-}
-
 TEST(PosixRunLoop, LetsACallRemoveItselfAndOthers) {
     host::PosixRunLoop loop;
     Pipe first;
@@ -115,46 +75,28 @@ TEST(PosixRunLoop, LetsACallRemoveItselfAndOthers) {
     EXPECT_EQ(firstCalls + secondCalls, 1);
 }
 
-TEST(PosixRunLoop, ForgetsADescriptorThatItsOwnerClosed) {
+TEST(PosixRunLoop, FiresTimersUntilTheyAreRemoved) {
     host::PosixRunLoop loop;
-    int calls = 0;
-    Pipe pipe;
-    // A number that no descriptor has is what poll() makes of a closed one.
-    loop.AddDescriptor(1 << 20, [&] { ++calls; });
-    loop.AddDescriptor(pipe.Reader(), [&] {
-        pipe.Take();
-        loop.Stop();
-    });
-    pipe.Write();
-    loop.Run();
-    EXPECT_EQ(calls, 0);
-}
-
-TEST(PosixRunLoop, FiresTimersInTheirOwnTimeUntilTheyAreRemoved) {
-    host::PosixRunLoop loop;
-    std::string fired;
-    int fast = 0;
-    int slow = 0;
+    int single = 0;
+    int threefold = 0;
     int once = 0;
+    int thrice = 0;
     once = loop.AddTimer(1, [&] {
-        fired += 'o';
+        ++single;
         loop.RemoveTimer(once);
         loop.RemoveTimer(12345);
     });
-    slow = loop.AddTimer(40, [&] {
-        fired += 's';
-        loop.RemoveTimer(fast); // Due in the same round, or soon.
+    thrice = loop.AddTimer(2, [&] {
+        if (++threefold < 3)
+            return;
+        loop.RemoveTimer(thrice);
         loop.AddTimer(60, [&] { loop.Stop(); });
     });
-    fast = loop.AddTimer(15, [&] { fired += 'f'; });
     const auto start = std::chrono::steady_clock::now();
     loop.Run();
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
-    EXPECT_EQ(fired.substr(0, 2), "of");
-    EXPECT_EQ(std::count(fired.begin(), fired.end(), 'o'), 1);
-    EXPECT_LE(std::count(fired.begin(), fired.end(), 'f'), 2) << fired;
-    EXPECT_GE(std::count(fired.begin(), fired.end(), 's'), 1);
-    EXPECT_NE(slow, 0);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(60));
+    EXPECT_EQ(single, 1);
+    EXPECT_EQ(threefold, 3);
 }
 
 TEST(PosixRunLoop, PerformsOtherThreadsWorkUntilItRefuses) {
@@ -184,17 +126,6 @@ TEST(PosixRunLoop, PerformsOtherThreadsWorkUntilItRefuses) {
     loop.RefuseWork();
     waiting.join();
     EXPECT_EQ(performed, 1 + 4 * 51);
-}
-
-TEST(PosixClock, GoesOnInMicroseconds) {
-    host::PosixClock clock;
-    const int64_t before = clock.MicrosecondsSinceBoot();
-    const int64_t after = clock.MicrosecondsSinceBoot();
-    EXPECT_GT(before, 0);
-    EXPECT_GE(after, before);
-    EXPECT_LT(after - before, 5'000'000);
-    const auto ticks = static_cast<double>(clock.Ticks());
-    EXPECT_NEAR(ticks, static_cast<double>(static_cast<uint32_t>(after * 60 / 1'000'000)), 300);
 }
 
 } // namespace

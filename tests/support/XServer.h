@@ -1,8 +1,11 @@
 #pragma once
 
+#include <memory>
 #include <string>
-#include <sys/types.h>
 #include <vector>
+
+#include "Program.h"
+#include "SkipOrFail.h"
 
 /// An X server of its own for a test: Xvfb on a display that is free. It ends with this object, and with the
 /// test program however that ends.
@@ -17,7 +20,7 @@ class XServer {
     XServer(const XServer&) = delete;
     XServer& operator=(const XServer&) = delete;
 
-    bool Running() const { return fProcess > 0; }
+    bool Running() const { return fProgram != nullptr; }
 
     /// Why it isn't running.
     const std::string& WhyNot() const { return fWhyNot; }
@@ -34,24 +37,14 @@ class XServer {
     /// Starts another server in the place of this one, with one screen and no further arguments.
     void Restart(const std::string& screen);
 
-  private:
-    void start(const std::vector<std::string>& command);
-    void await_display(int reader);
-    bool await_end();
+    /// A window manager for the display that frames every window from now on; null when there is none to be
+    /// had. One that isn't done with starting would lose windows.
+    std::unique_ptr<Program> StartManager() const;
 
-    pid_t fProcess = -1;
+  private:
+    void start(const std::string& screen, const std::vector<std::string>& arguments);
+
+    std::unique_ptr<Program> fProgram;
     std::string fDisplay;
     std::string fWhyNot;
 };
-
-/// Whether a test that can't run here has to fail: where everything it needs is meant to be installed.
-bool SkippingIsFailure();
-
-/// Leaves a test that can't run for want of something on the machine: a failure in CI, a skip that says why
-/// elsewhere.
-#define SKIP_OR_FAIL(reason)                                                                                 \
-    do {                                                                                                     \
-        if (SkippingIsFailure())                                                                             \
-            FAIL() << (reason);                                                                              \
-        GTEST_SKIP() << (reason);                                                                            \
-    } while (false)

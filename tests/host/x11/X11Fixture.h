@@ -1,12 +1,10 @@
 #pragma once
 
-#include <chrono>
-#include <functional>
 #include <memory>
-#include <thread>
 
 #include <gtest/gtest.h>
 
+#include "Await.h"
 #include "X11Host.h"
 #include "XPainter.h"
 #include "XServer.h"
@@ -51,32 +49,6 @@ class X11Fixture : public testing::Test {
         const uint8_t* bgr =
             image.pixels + static_cast<ptrdiff_t>(y) * image.rowBytes + static_cast<ptrdiff_t>(x) * 4;
         return static_cast<uint32_t>(bgr[2] << 16 | bgr[1] << 8 | bgr[0]);
-    }
-
-    static bool Await(const std::function<bool()>& condition) {
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > limit)
-                return false;
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
-        return true;
-    }
-
-    /// Gives the screen a mode of another size.
-    void SetMode(int width, int height) {
-        const std::string mode = std::to_string(width) + "x" + std::to_string(height);
-        const std::string w = std::to_string(width) + " ";
-        const std::string h = std::to_string(height) + " ";
-        ASSERT_EQ(painter->Xrandr("--newmode " + mode + " 0 " + w + "0 0 " + w + h + "0 0 " + h), 0);
-        ASSERT_EQ(painter->Xrandr("--addmode screen " + mode + " >/dev/null"), 0);
-        ASSERT_EQ(painter->Xrandr("--output screen --mode " + mode + " >/dev/null"), 0);
-    }
-    /// \p place as in "300/100x200/100+10+20", extents with their millimetres; a star before the name marks
-    /// the primary monitor.
-    void SetMonitor(const std::string& name, const std::string& place) {
-        ASSERT_EQ(painter->Xrandr("--setmonitor '" + name + "' " + place + " none"), 0)
-            << "is xrandr installed?";
     }
 
     std::unique_ptr<XServer> server;

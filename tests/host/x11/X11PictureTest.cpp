@@ -1,11 +1,10 @@
 #include <atomic>
-#include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <limits>
 #include <sstream>
 #include <unistd.h>
 
+#include "AbsurdAreas.h"
 #include "X11Fixture.h"
 
 using host::X11Transport;
@@ -96,13 +95,8 @@ TEST_F(X11Picture, ShowsTheScreenHoweverItComes) {
 
 TEST_F(X11Picture, IsRefusedForAbsurdAreas) {
     NEED_X11("320x240x24");
-    const double nan = std::nan("");
-    const double infinity = std::numeric_limits<double>::infinity();
-    const host::Rect absurd[] = {{0, 0, 0, 10},           {0, 0, 10, -1},          {nan, 0, 10, 10},
-                                 {0, 0, nan, 10},         {0, 0, infinity, 10},    {-infinity, 0, 10, 10},
-                                 {2147483648.0, 0, 1, 1}, {0, 0, 1, 4294967296.0}, {0, 0, 65535, 65535}};
     host::Image image;
-    for (const host::Rect& area : absurd)
+    for (const host::Rect& area : kAbsurdAreas)
         EXPECT_EQ(Displays().Picture(area, image), -1) << area.x << " " << area.width << " " << area.height;
     EXPECT_EQ(Displays().Picture({0, 0, 10, 10}, image), 0);
 }
@@ -111,7 +105,7 @@ TEST_F(X11Picture, FollowsTheScreensSize) {
     NEED_X11("640x480x24");
     painter->Fill(0, 0, 640, 480, 0x204060);
     EXPECT_EQ(ColourOnScreen(600, 400), 0x204060U);
-    SetMode(320, 240);
+    ASSERT_TRUE(painter->SetMode(320, 240));
     EXPECT_EQ(ColourOnScreen(600, 400), 0U) << "this is no longer on the screen";
     std::string whyNot;
     const auto latecomer = host::X11Host::Open(server->Display().c_str(), whyNot);
@@ -146,8 +140,8 @@ TEST_F(X11Picture, ComesThroughMemoryThatIsPrivateAndNameless) {
 
 TEST_F(X11Picture, EqualsAReadOfTheFramebuffer) {
     NEED_X11("320x240x24");
-    SetMonitor("LEFT", "120/100x240/100+0+0");
-    SetMonitor("RIGHT", "200/100x200/100+120+30");
+    ASSERT_TRUE(painter->SetMonitor("LEFT", "120/100x240/100+0+0"));
+    ASSERT_TRUE(painter->SetMonitor("RIGHT", "200/100x200/100+120+30"));
     PaintBlocks();
     for (const host::DisplayId id : Ids()) {
         const host::Rect place = Displays().Bounds(id);
