@@ -87,16 +87,17 @@ bool Relay::wants_more() const {
 }
 
 void Relay::publish(bool isNewPicture) {
-    bool isWanted, arePixelsWanted;
+    bool isLacking, isWanted, arePixelsWanted;
     {
         std::lock_guard lock(fMutex);
-        const int upright = fWaiting[static_cast<size_t>(View::Need::kPixels)] +
-                            fWaiting[static_cast<size_t>(View::Need::kPixelsWithPointer)];
-        arePixelsWanted = upright > 0;
-        isWanted = upright + fWaiting[static_cast<size_t>(View::Need::kPicture)] > 0;
+        isLacking = wants_more();
+        arePixelsWanted = fWaiting[static_cast<size_t>(View::Need::kPixels)] +
+                              fWaiting[static_cast<size_t>(View::Need::kPixelsWithPointer)] >
+                          0;
+        isWanted = arePixelsWanted || fWaiting[static_cast<size_t>(View::Need::kPicture)] > 0;
     }
     auto view = std::make_shared<View>(*fView); // Only this thread changes which one it is.
-    if (isNewPicture || (isWanted && view->picture->number != 0 && view->picture->pixels.empty()))
+    if (isNewPicture || isLacking)
         view->picture = copy_picture(isNewPicture, isWanted, arePixelsWanted);
     view->pointer = pointer();
     const bool hasPointerChanged = view->pointer != fView->pointer;
@@ -107,8 +108,8 @@ void Relay::publish(bool isNewPicture) {
     fReportNumber += hasPointerChanged;
 }
 
-/// The stream's picture as it is now, with pixels if somebody waits for them, or for a picture that is no
-/// whole frame.
+/// The stream's picture as it is now: with pixels if somebody waits for them, or for any picture when this is
+/// no whole frame.
 std::shared_ptr<const View::Picture> Relay::copy_picture(bool isNew, bool isWanted,
                                                          bool arePixelsWanted) const {
     const Canvas& canvas = fStream.Picture();

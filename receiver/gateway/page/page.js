@@ -240,8 +240,8 @@ class FiguresPanel {
 class Sound {
   static kRate = 44100;
   static kHead = 44; // Bytes before the samples.
-  static kAhead = 0.1; // Seconds that are kept in store against jitter,
-  static kFarthest = 0.35; // and beyond which some is left out.
+  static kAhead = 0.06; // Seconds that are kept in store against jitter,
+  static kFarthest = 0.25; // and beyond which some is left out.
 
   constructor() {
     byId("volume").addEventListener("input", () => this.setVolume());
