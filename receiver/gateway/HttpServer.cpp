@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr size_t kMaxBody = 64 * 1024; ///< Of a request.
+constexpr size_t kMaxBody = size_t{64} * 1024; ///< Of a request.
 
 /// Hands each connection over at once, on the thread that took it.
 class NoQueue : public httplib::TaskQueue {

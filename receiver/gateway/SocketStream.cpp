@@ -17,8 +17,8 @@ using namespace std::chrono_literals;
 
 constexpr auto kIdleTime = 30s; ///< Between the requests of one connection.
 constexpr auto kRequestTime = 10s;
-constexpr size_t kRequestBytes = 128 * 1024; ///< With its body, which is some JSON at most.
-constexpr auto kWriteTime = 10s;             ///< For each picture, say.
+constexpr size_t kRequestBytes = size_t{128} * 1024; ///< With its body, which is some JSON at most.
+constexpr auto kWriteTime = 10s;                     ///< For each picture, say.
 /// What may wait to be sent: a picture or so, lest a slow viewer sees old ones.
 constexpr int kSendBuffer = 256 * 1024;
 constexpr int kUnsentBytes = 64 * 1024;
