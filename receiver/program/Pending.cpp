@@ -3,6 +3,5 @@
 namespace receiver {
 
 void AddMediaCommands(CLI::App&, Client&) {}
-void AddServeCommand(CLI::App&, Client&) {}
 
 } // namespace receiver
