@@ -14,7 +14,6 @@
 #include "TestFolder.h"
 #include "z4CCCC.h"
 #include "zDebug_posix_signal.h"
-#include "zString.h"
 #include "zrelease.h"
 
 namespace {
@@ -64,17 +63,6 @@ TEST(OS, ReleasesAndTheirUpdates) {
             EXPECT_EQ(zOS::IsVersionOrLater(release), version >= first) << first << version;
         }
     }
-}
-
-TEST(OS, DescribesItself) {
-    FakeHost machine;
-    const host::HostScope scope(machine);
-    EXPECT_EQ(zOS::GetFamily(), 12);
-    EXPECT_STREQ(zOS::GetFamilyName(), "mac");
-    EXPECT_STREQ(zOS::GetShortName(), "macosx");
-    zString text;
-    zOS::GetDetailedOSVersion(text);
-    EXPECT_THAT(std::string(text), testing::StartsWith("MacOS 0x1080 with "));
 }
 
 TEST(Crash, TheHookIsToldAndTheProcessDiesOfTheSignal) {
