@@ -161,21 +161,3 @@ TEST(Bonsai, ResultsAreCutToTheRoomAndReportTheFullSize) {
         EXPECT_EQ(result[room], 0xEE);
     }
 }
-
-TEST(Bonsai, FindsByPositionAndByPredicate) {
-    zBonsai tree(new IntOki);
-    for (int key = 0; key < 100; ++key) {
-        const IntOki::Entry entry{key * 2, key};
-        tree.Add(&entry, false);
-    }
-    IntOki::Entry entry{};
-    for (const auto& [position, expected] : {std::pair{-1, -1}, {0, 0}, {99, 0}, {100, -1}})
-        EXPECT_EQ(tree.EntryByIndex(position, &entry, nullptr), expected) << position;
-    EXPECT_EQ(entry.key, 198);
-    for (const auto& [start, found] : {std::pair{10, 42}, {43, 100}}) {
-        const int wanted = 84;
-        int index = 0;
-        tree.Search(start, IntOki::kSearchByKey, &wanted, &entry, nullptr, &index);
-        EXPECT_EQ(index, found);
-    }
-}

@@ -14,7 +14,6 @@
 
 #include "TestFolder.h"
 #include "zBoot.h"
-#include "zMemoryStream.h"
 #include "zString.h"
 #include "zTerrace.h"
 
@@ -134,28 +133,6 @@ TEST_F(Trace, WhatAnotherMayHavePutThereIsLeftAlone) {
         EXPECT_EQ(fFolder.Read("victim"), treasure) << i;
         EXPECT_FALSE(fs::exists(fFolder / "missing")) << i;
     }
-}
-
-TEST_F(Trace, AScopeMaySendItElsewhere) {
-    Restart();
-    char memory[100] = {};
-    zMemoryStream stream;
-    {
-        const zTraceToFile toStream("unused", &stream);
-        zTrace::Default()->TraceNote("stream\n");
-        {
-            const zTraceToFile toFile((fFolder / "elsewhere").c_str(), nullptr);
-            const zTraceToFile nowhere("/nowhere/file", nullptr);
-            zTrace::Default()->TraceNote("file\n");
-            std::thread([] { zTrace::Default()->TraceNote("log\n"); }).join();
-        }
-        zTrace::Default()->TraceNote("stream again\n");
-    }
-    stream.Seek(0, zStream::kFromStart);
-    stream.Read(memory, sizeof memory - 1, nullptr);
-    EXPECT_STREQ(memory, "   1: stream\n   1: stream again\n");
-    EXPECT_EQ(fFolder.Read("elsewhere"), "   1: file\n");
-    EXPECT_EQ(Text().substr(6), "log\n");
 }
 
 TEST_F(Trace, ThreadsDontMixTheirLines) {

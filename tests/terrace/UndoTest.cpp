@@ -110,15 +110,6 @@ class History {
     size_t fPresent = 0;        ///< The state that the table is in.
 };
 
-/// Undoes a table's changes for a master.
-class TableHandler : public zUndoHandler {
-  public:
-    zUndo* GetUndo() override { return table.GetUndo(); }
-    int UndoToMark(int mark, bool) override { return table.Undo(mark); }
-    int RedoToMark(int mark, bool) override { return table.Redo(mark); }
-    zTable table{"handled", zTable::kKeepUndo, nullptr};
-};
-
 } // namespace
 
 TEST(Undo, TravelsThroughRandomHistories) {
@@ -142,32 +133,14 @@ TEST(Undo, ZeroMeansOneChange) {
     root->SetInt32(kA, 5);
     root->SetInt32(kA, 6);
     table.Mark(3);
-    table.Undo(0);
-    EXPECT_EQ(root->AsInt32(kA, 0), 5);
-    table.Undo(0);
-    EXPECT_FALSE(root->ExistsID(kA));
-    EXPECT_TRUE(table.GetUndo()->IsUndoEmpty(false));
-    table.Undo(0);
+    for (const int expected : {5, 0, 0}) {
+        table.Undo(0);
+        EXPECT_EQ(root->AsInt32(kA, 0), expected);
+    }
     for (const int expected : {5, 6}) {
         table.Redo(0);
         EXPECT_EQ(root->AsInt32(kA, 0), expected);
     }
     EXPECT_FALSE(table.GetUndo()->IsRedoEmpty(false));
     EXPECT_TRUE(table.GetUndo()->IsRedoEmpty(true)) << "but for the mark";
-}
-
-TEST(UndoMaster, MarksAndUndoesAllTogether) {
-    TableHandler one, two;
-    zUndoMaster master;
-    master.AddHandler(&one);
-    master.AddHandler(&two);
-    one.table.Root()->SetInt32(kA, 1);
-    master.Mark(4);
-    one.table.Root()->SetInt32(kA, 2);
-    two.table.Root()->SetInt32(kA, 2);
-    master.UndoToMark(4);
-    EXPECT_EQ(one.table.Root()->AsInt32(kA, 0), 1);
-    EXPECT_FALSE(two.table.Root()->ExistsID(kA));
-    master.RedoToMark(9);
-    EXPECT_EQ(two.table.Root()->AsInt32(kA, 0), 2);
 }
