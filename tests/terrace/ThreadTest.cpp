@@ -7,7 +7,6 @@
 #include <set>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "FunctionThread.h"
 #include "zCritical.h"
@@ -94,23 +93,6 @@ TEST(Signal, ADeadlineWhosePartsOfASecondAddUpToOneFailsAtOnce) {
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(signal->Wait(30'000'000 + 999'999), -1);
     EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(20));
-}
-
-TEST(Signal, EachSignalIsOneTickWhoeverWaits) {
-    constexpr int kThreads = 4, kTicks = 2000;
-    const auto signal = new_signal();
-    std::vector<std::unique_ptr<zThread>> threads;
-    for (int i = 0; i < kThreads; ++i)
-        threads.push_back(StartThread([&] {
-            for (int tick = 0; tick < kTicks; ++tick)
-                signal->Wait();
-            return 0;
-        }));
-    for (int i = 0; i < kThreads * kTicks; ++i)
-        signal->Signal();
-    for (const auto& thread : threads)
-        thread->WaitForExit();
-    EXPECT_FALSE(signal->TakeBack());
 }
 
 TEST(Critical, IsRecursiveAndExcludesOthers) {
