@@ -159,27 +159,6 @@ TEST(CriticalRW, AStormLosesNoWriteAndTearsNoRead) {
     EXPECT_EQ(lock.ReaderCount() + lock.WriterCount(), 0);
 }
 
-TEST(ThreadLocal, ArraysAreEachThreadsOwnAndGrow) {
-    const int slot = zThread::TLS_ReserveInt32ArraySlot();
-    int* array = nullptr;
-    int count = 0;
-    ASSERT_EQ(zThread::TLS_GetInt32Array(slot, &array, &count, 3), 0);
-    EXPECT_EQ(count, 6);
-    array[5] = 7;
-    ASSERT_EQ(zThread::TLS_GetInt32Array(slot, &array, &count, 10), 0);
-    EXPECT_EQ(count, 20);
-    EXPECT_EQ(array[5], 7);
-    EXPECT_EQ(array[19], 0);
-    std::thread([slot] {
-        int* own = nullptr;
-        int size = 0;
-        ASSERT_EQ(zThread::TLS_GetInt32Array(slot, &own, &size, 6), 0);
-        EXPECT_EQ(own[5], 0);
-    }).join();
-    zThread::TLS_FreeInt32Array(slot);
-    EXPECT_EQ(zThread::TLS_GetInt32Array(-1, &array, &count, 1), -1);
-}
-
 TEST(ThreadLocal, ObjectsGoWithTheirThread) {
     const int slot = zThread::TLS_ReserveClassSlot();
     int alive = 0;
