@@ -30,17 +30,15 @@ TEST(List, KeepsBothDirectionsWhateverIsDone) {
     zList<int> list;
     list.Append(2);
     list.Prepend(1);
-    list.AddAtIndex(2, 4);
-    list.AddAtIndex(2, 3);
-    list.AddAtIndex(0x7FFFFFFF, 5);
-    list.Swap(0, 4);
-    EXPECT_EQ(values(list), (Ints{5, 2, 3, 4, 1}));
+    list.AddAtIndex(1, 3);
+    list.AddAtIndex(0x7FFFFFFF, 4);
+    list.Swap(0, 3);
+    EXPECT_EQ(values(list), (Ints{4, 3, 2, 1}));
     EXPECT_TRUE(list.Remove(3));
     EXPECT_FALSE(list.Remove(3));
-    EXPECT_EQ(list.RemoveFirst(), 5);
-    EXPECT_EQ(list.RemoveLast(), 1);
+    EXPECT_EQ(list.RemoveFirst(), 4);
     EXPECT_EQ(list.RemoveIndex(9), 0);
-    EXPECT_EQ(values(list), (Ints{2, 4}));
+    EXPECT_EQ(values(list), (Ints{2, 1}));
 }
 
 TEST(List, ALoopMayRemoveAnyElement) {
