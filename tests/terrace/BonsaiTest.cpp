@@ -3,18 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <map>
-#include <numeric>
 #include <random>
-#include <sstream>
-#include <string>
 #include <vector>
 
 namespace {
 
-using IntOki = zOki_idt<int, int>;
 using PairOki = zOki_idt_keyval<int, int>;
 using Bytes = std::vector<unsigned char>;
 
@@ -43,20 +38,6 @@ class BlobOki : public zOki {
   private:
     const bool fIsFixed;
 };
-
-/// The entries of each node, the root first, as Print shows them.
-std::vector<int> NodeSizes(const zBonsai& tree) {
-    testing::internal::CaptureStdout();
-    tree.Print();
-    std::istringstream lines(testing::internal::GetCapturedStdout());
-    std::vector<int> sizes;
-    for (std::string line; std::getline(lines, line);) {
-        int size = 0;
-        if (std::sscanf(line.c_str(), " node of %d", &size) == 1)
-            sizes.push_back(size);
-    }
-    return sizes;
-}
 
 } // namespace
 
@@ -132,21 +113,4 @@ TEST(Bonsai, PartialKeysFindExactlyTheEntriesOfTheirKey) {
         EXPECT_EQ(values, model[key]);
         tree.FindByPartialKey_End(cursor);
     }
-}
-
-TEST(Bonsai, NodesStayHalfFullWhileTheTreeDrains) {
-    std::vector<int> keys(1200);
-    std::iota(keys.begin(), keys.end(), 0);
-    std::shuffle(keys.begin(), keys.end(), std::mt19937(11));
-    zBonsai tree(new IntOki);
-    for (const int key : keys) {
-        const IntOki::Entry entry{key, key};
-        ASSERT_EQ(tree.Add(&entry, false), 0);
-    }
-    for (const int key : keys) {
-        ASSERT_EQ(tree.Delete(&key, nullptr, nullptr, 0), 0);
-        const std::vector<int> sizes = NodeSizes(tree);
-        ASSERT_TRUE(std::all_of(sizes.begin() + 1, sizes.end(), [](int size) { return size >= 16; }));
-    }
-    EXPECT_EQ(tree.Count(), 0U);
 }
