@@ -76,21 +76,6 @@ TEST(BufferStream, GrowsInStepsAndTrims) {
     EXPECT_EQ(std::string(buffer.Data(), buffer.Size()), text);
 }
 
-TEST(Stream, CopiesTakeBytesAndNothingElse) {
-    zMemoryStream from(3);
-    from.Write("0123456789");
-    zMemoryStream to(4);
-    to.Write("a longer text than that");
-    from.Seek(4, zStream::kFromStart);
-    EXPECT_EQ(zStream::ExactCopy(to, from, 4), 0);
-    EXPECT_EQ(from.Position(), 4U) << "back in its place";
-    EXPECT_EQ(contents(to), "0123456789");
-    char memory[5] = "";
-    zMemPtrStream pointer(memory, 4);
-    pointer = from;
-    EXPECT_STREQ(memory, "0123") << "cut short at the end of the memory";
-}
-
 TEST(FileStream, WritesReadsUpdatesAndAppends) {
     const TestFolder folder;
     const std::string path = folder / "file";

@@ -10,7 +10,6 @@
 
 #include "FunctionThread.h"
 #include "zCritical.h"
-#include "zRefCount.h"
 #include "zSignal.h"
 
 namespace {
@@ -107,19 +106,4 @@ TEST(Critical, IsRecursiveAndExcludesOthers) {
     };
     { const std::jthread one(raise), two(raise); }
     EXPECT_EQ(count, 4000);
-}
-
-TEST(RefCount, TheLastReleaseDeletes) {
-    struct Counted : zRefCount {
-        explicit Counted(bool& flag) : gone(flag) {}
-        ~Counted() override { gone = true; }
-        bool& gone;
-    };
-    bool gone = false;
-    zRefPtr<Counted> object(new Counted(gone));
-    object->AddRef();
-    object->Release();
-    EXPECT_FALSE(gone);
-    object.reset();
-    EXPECT_TRUE(gone);
 }
