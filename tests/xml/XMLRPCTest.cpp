@@ -47,29 +47,25 @@ TEST(XMLRPC, FaultsCarryCodeAndMessage) {
     ASSERT_EQ(Parse(again, Written(reply)), 0);
     zString message;
     int code = 5;
-    EXPECT_TRUE(zXMLRPC(again).IsFault());
     EXPECT_TRUE(zXMLRPC(again).FaultInfo(message, code));
     EXPECT_STREQ(message, "M");
     EXPECT_EQ(code, -1);
-    EXPECT_FALSE(zXMLRPC(*again.Child(0)).IsFault());
 }
 
 TEST(XMLRPC, ParametersComeBackByIndexAndType) {
-    zRecord call;
+    zRecord call, array, parsed;
     zXMLRPC rpc(call);
-    zRecord array;
     array.AddChild(new zRecord("item"));
     array.Child(0)->SetInt32("n", 3);
     array.SetCString("note", "in the tree only");
     rpc.SetMethod("Old");
     rpc.SetMethod("New");
     rpc.AppendStringParam("text & more");
-    rpc.AppendInt32Param(-1); // goes out unsigned
+    rpc.AppendInt32Param(-1);
     rpc.AppendBoolParam(true);
     rpc.AppendStructArrayParam(array);
     rpc.AppendZRecordParam(array);
-    EXPECT_NE(Written(call).find("<int>4294967295</int>"), std::string::npos);
-    zRecord parsed;
+    EXPECT_NE(Written(call).find("<int>4294967295</int>"), std::string::npos) << "numbers go out unsigned";
     ASSERT_EQ(Parse(parsed, Written(call)), 0);
 
     const zXMLRPC view(static_cast<const zRecord&>(parsed));
@@ -84,15 +80,15 @@ TEST(XMLRPC, ParametersComeBackByIndexAndType) {
     bool truth = false;
     EXPECT_EQ(view.GetBoolParam(2, truth), 0);
     EXPECT_TRUE(truth);
-    zRecord rows;
+    zRecord rows, tree;
     EXPECT_EQ(view.GetStructArrayParam(3, rows), 0);
-    ASSERT_EQ(rows.ChildCount(), 1);
-    EXPECT_EQ(rows.Child(0)->AsInt32("n", -1), 3);
-    zRecord tree;
     EXPECT_EQ(view.GetZRecordParam(4, tree), 0);
-    EXPECT_STREQ(tree.AsCString("note", ""), "in the tree only");
-    EXPECT_EQ(tree.Child(0)->AsInt32("n", -1), 3);
     EXPECT_EQ(view.GetZRecordParam(3, tree), -1);
+    EXPECT_STREQ(tree.AsCString("note", ""), "in the tree only");
+    for (const zRecord* parent : {&rows, &tree}) {
+        ASSERT_EQ(parent->ChildCount(), 1);
+        EXPECT_EQ(parent->Child(0)->AsInt32("n", -1), 3);
+    }
 }
 
 TEST(XMLRPC, StructsNameTheirMembersByKind) {
