@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <set>
-#include <string>
 #include <thread>
 
 #include "FunctionThread.h"
@@ -35,29 +32,6 @@ TEST(Thread, RunsWithAnIdOfItsOwnAndGivesItsResult) {
         EXPECT_EQ(ids.count(thread->ThreadID()), 1U);
     }
     EXPECT_EQ(ids.size(), 8U);
-}
-
-/// Whether one of this process's threads has given itself that name, as its first act.
-bool is_running(const std::string& name) {
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        std::string known;
-        std::ifstream comm(task.path() / "comm");
-        if (std::getline(comm, known) && known == name)
-            return true;
-    }
-    return false;
-}
-
-TEST(Thread, FactoryWaitsForTheStartIfAsked) {
-    const auto go = new_signal();
-    for (int round = 0; round < 100; ++round) { // Without waiting it would be too early in most of them.
-        const std::string name = "started " + std::to_string(round);
-        const auto thread = StartThread([&go] { return go->Wait(), 0; }, zThread::kWaitForStart,
-                                        zThread::kNormalPriority, name.c_str());
-        ASSERT_TRUE(is_running(name));
-        go->Signal();
-        thread->WaitForExit();
-    }
 }
 
 TEST(Thread, DeletesItselfAndItsBodyIfAsked) {
