@@ -138,15 +138,3 @@ TEST(Variable, TwoThreadsMayPrintOneVariable) {
     };
     const std::jthread one(print), two(print);
 }
-
-TEST(Variable, CopiesKeepTheMarkOfTheirTarget) {
-    const zVariable source = Text("a text on the heap");
-    zVariable target;
-    target.SetRegistered();
-    target = source;
-    EXPECT_TRUE(target.IsRegistered());
-    EXPECT_EQ(TextOf(target), "a text on the heap");
-    EXPECT_FALSE(zVariable(target).IsRegistered());
-    target.Convert(zVariable::kNone);
-    EXPECT_TRUE(target.IsRegistered());
-}
