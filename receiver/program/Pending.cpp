@@ -2,7 +2,6 @@
 
 namespace receiver {
 
-void AddMediaCommands(CLI::App&, Client&) {}
 void AddServeCommand(CLI::App&, Client&) {}
 
 } // namespace receiver
