@@ -4,6 +4,7 @@ option(GLASSPANE_WERROR "Warnings are errors" ON)
 option(GLASSPANE_QT "Build glasspane, the program with the panel" ON)
 option(GLASSPANE_TESTS "Build the tests" ON)
 option(GLASSPANE_BENCH "Build the benchmarks" OFF)
+option(GLASSPANE_FUZZ "Build what libFuzzer runs, with clang" OFF)
 set(GLASSPANE_SANITIZE "" CACHE STRING "Sanitizers, as the argument of -fsanitize=")
 
 set(CMAKE_CXX_STANDARD 20)
@@ -37,7 +38,8 @@ endif()
 if(GLASSPANE_SANITIZE)
   # Instrumented code makes g++ 12 see uninitialised members in its own <functional>. Line numbers are all that
   # reports need.
-  add_compile_options(-fsanitize=${GLASSPANE_SANITIZE} -fno-omit-frame-pointer -O1 -g1 -Wno-maybe-uninitialized)
+  add_compile_options(-fsanitize=${GLASSPANE_SANITIZE} -fno-omit-frame-pointer -O1 -g1
+                      $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   add_link_options(-fsanitize=${GLASSPANE_SANITIZE})
   if(GLASSPANE_SANITIZE MATCHES "undefined")
     add_compile_options(-fno-sanitize-recover=undefined)

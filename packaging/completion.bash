@@ -1,4 +1,4 @@
-# Completion of glasspane and glasspaned in bash.
+# Completion of glasspane, glasspaned and glasspane-client in bash.
 
 _glasspane() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
@@ -15,3 +15,26 @@ _glasspane() {
   mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")
 }
 complete -F _glasspane glasspane glasspaned
+
+_glasspane_client() {
+  local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+  if [ "$COMP_CWORD" -eq 1 ]; then
+    mapfile -t COMPREPLY < <(compgen -W "discover info menus source snapshot record pipe watch bench serve --help --version" -- "$word")
+    return
+  fi
+  case $previous in
+    -o|--output) mapfile -t COMPREPLY < <(compgen -f -- "$word"); return ;;
+    --quality)
+      [ "${COMP_WORDS[1]}" = snapshot ] || mapfile -t COMPREPLY < <(compgen -W "low normal high" -- "$word")
+      return ;;
+    --listen) mapfile -t COMPREPLY < <(compgen -W "127.0.0.1:8090 0.0.0.0:8090" -- "$word"); return ;;
+  esac
+  # The options are those that the command itself tells.
+  if [[ $word == -* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$("$1" "${COMP_WORDS[1]}" --help 2>/dev/null |
+                                             grep -oE '(^|[ ,])--?[a-z][a-z-]*' | tr -d ' ,')" -- "$word")
+  elif [ "$COMP_CWORD" -eq 2 ]; then
+    mapfile -t COMPREPLY < <(compgen -A hostname -- "$word")
+  fi
+}
+complete -F _glasspane_client glasspane-client

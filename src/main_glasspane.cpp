@@ -5,8 +5,7 @@
 
 #include <QApplication>
 
-#include "HostLoader.h"
-#include "Options.h"
+#include "Launch.h"
 #include "Process.h"
 #include "QtHost.h"
 #include "QtUserInterface.h"
@@ -53,21 +52,16 @@ void serve(const Options& options) {
 } // namespace
 
 int main(int argc, char** argv) {
-    Process::OpenStandardDescriptors();
     Options options;
-    if (const auto status = options.Parse(kProgram, argc, argv))
-        return *status;
+    int status = 0;
+    const auto machine = Launch::Begin(kProgram, argc, argv, options, status);
+    if (!machine)
+        return status;
 
     QApplication application(argc, argv);
     QApplication::setApplicationName("Glasspane");
     QApplication::setDesktopFileName("net.merrowfield.glasspane");
     QApplication::setQuitOnLastWindowClosed(false); // The status item stays.
-    std::string reason;
-    const auto machine = HostLoader::Load(options.host, options.display, reason);
-    if (!machine) {
-        fprintf(stderr, "glasspane: %s\n", reason.c_str());
-        return 1;
-    }
     host::QtHost host(*machine);
     host::HostScope scope(host);
     Process::QuitOnSignals();

@@ -1,8 +1,7 @@
 #include <cstdio>
 #include <string>
 
-#include "HostLoader.h"
-#include "Options.h"
+#include "Launch.h"
 #include "Process.h"
 #include "cHttpServer.h"
 #include "clMossbank.h"
@@ -56,21 +55,15 @@ int serve(const Options& options) {
 } // namespace
 
 int main(int argc, char** argv) {
-    Process::OpenStandardDescriptors();
     Options options;
-    if (const auto status = options.Parse(kProgram, argc, argv))
-        return *status;
-
-    std::string reason;
-    const auto host = HostLoader::Load(options.host, options.display, reason);
-    if (!host) {
-        fprintf(stderr, "glasspaned: %s\n", reason.c_str());
-        return 1;
-    }
+    int status = 0;
+    const auto host = Launch::Begin(kProgram, argc, argv, options, status);
+    if (!host)
+        return status;
     host::HostScope scope(*host);
     Process::QuitOnSignals();
     zBoot::Startup();
-    const int status = serve(options);
+    status = serve(options);
     zBoot::Shutdown();
     return status;
 }

@@ -17,7 +17,7 @@ const PixelRect* place_of(DisplayId id) {
 }
 
 TestCard card(std::vector<uint8_t>& desktop, DisplayId id) {
-    const Canvas whole(desktop.data(), kDesktop.width, kDesktop.height, kRowBytes);
+    const PixelPen whole(desktop.data(), kDesktop.width, kDesktop.height, kRowBytes);
     return TestCard(whole.Part(*place_of(id)), static_cast<int>(id));
 }
 

@@ -23,7 +23,7 @@ BuiltinWindowPainter::BuiltinWindowPainter(const BuiltinWindow& window, uint8_t*
     : fWindow(window),
       fDesktop(desktop),
       fRowBytes(rowBytes),
-      fCanvas(desktop, bounds.width, bounds.height, rowBytes),
+      fPen(desktop, bounds.width, bounds.height, rowBytes),
       fCovered(PixelRect{0, 0, window.width, window.height}.Bytes()) {}
 
 void BuiltinWindowPainter::Update(int64_t microseconds, const PixelRect& area) {
@@ -40,11 +40,11 @@ void BuiltinWindowPainter::Update(int64_t microseconds, const PixelRect& area) {
 
 /// A title bar, and a block that runs through the window, so that a picture of the window alone moves too.
 void BuiltinWindowPainter::paint(int64_t microseconds) {
-    Canvas part = fCanvas.Part(fPlace);
+    PixelPen part = fPen.Part(fPlace);
     const PixelRect all{0, 0, fPlace.width, fPlace.height};
     part.Fill(all, kBody);
     part.Fill({0, 0, fPlace.width, kTitleHeight}, kTitleBar);
-    const PixelRect text = Canvas::TextBounds(fWindow.title, 0, 0, kTitleScale);
+    const PixelRect text = PixelPen::TextBounds(fWindow.title, 0, 0, kTitleScale);
     part.Text(fWindow.title, (fPlace.width - text.width) / 2, (kTitleHeight - text.height) / 2 + 1,
               kTitleScale, kEdge);
     const int way = fPlace.width - kBlockExtent;

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "BuiltinWindow.h"
-#include "Canvas.h"
+#include "PixelPen.h"
 
 namespace host {
 
@@ -26,7 +26,7 @@ class BuiltinWindowPainter {
     const BuiltinWindow& fWindow;
     uint8_t* fDesktop;
     int fRowBytes;
-    Canvas fCanvas;
+    PixelPen fPen;
     int64_t fTime = -1; ///< What is painted; negative while nothing is.
     PixelRect fPlace;
     std::vector<uint8_t> fCovered;

@@ -45,14 +45,14 @@ uint32_t grey(int level) {
 
 } // namespace
 
-TestCard::TestCard(const Canvas& canvas, int number) : fCanvas(canvas), fUnit(canvas.Height() / kUnits) {
-    fCanvas.Fill({0, 0, fCanvas.Width(), fCanvas.Height()}, kGround);
+TestCard::TestCard(const PixelPen& pen, int number) : fPen(pen), fUnit(pen.Height() / kUnits) {
+    fPen.Fill({0, 0, fPen.Width(), fPen.Height()}, kGround);
     paint_grid();
     paint_edges();
     paint_corners();
     paint_labels();
     paint_panel(number);
-    Update(0, {0, 0, fCanvas.Width(), fCanvas.Height()});
+    Update(0, {0, 0, fPen.Width(), fPen.Height()});
 }
 
 void TestCard::Update(int64_t microseconds, const PixelRect& area) {
@@ -82,7 +82,7 @@ PixelRect TestCard::ClockArea() const {
 }
 
 PixelRect TestCard::TrackArea() const {
-    return {fUnit, kTrackRow * fUnit / 2, fCanvas.Width() - 2 * fUnit, (kTrackEnd - kTrackRow) * fUnit / 2};
+    return {fUnit, kTrackRow * fUnit / 2, fPen.Width() - 2 * fUnit, (kTrackEnd - kTrackRow) * fUnit / 2};
 }
 
 PixelRect TestCard::FlashArea() const {
@@ -91,46 +91,46 @@ PixelRect TestCard::FlashArea() const {
 
 PixelRect TestCard::panel(int rowStart, int rowEnd) const {
     const int width = kPanelUnits * fUnit;
-    return {(fCanvas.Width() - width) / 2, rowStart * fUnit / 2, width, (rowEnd - rowStart) * fUnit / 2};
+    return {(fPen.Width() - width) / 2, rowStart * fUnit / 2, width, (rowEnd - rowStart) * fUnit / 2};
 }
 
 /// Squares that meet in the centre, and the circle that shows whether they are squares.
 void TestCard::paint_grid() {
-    const int centreX = fCanvas.Width() / 2;
-    const int centreY = fCanvas.Height() / 2;
-    for (int x = centreX % fUnit; x < fCanvas.Width(); x += fUnit)
-        fCanvas.Fill({x, 0, 1, fCanvas.Height()}, kGridLine);
-    for (int y = centreY % fUnit; y < fCanvas.Height(); y += fUnit)
-        fCanvas.Fill({0, y, fCanvas.Width(), 1}, kGridLine);
-    fCanvas.Ring(centreX, centreY, 8.5 * fUnit, 3, kWhite);
+    const int centreX = fPen.Width() / 2;
+    const int centreY = fPen.Height() / 2;
+    for (int x = centreX % fUnit; x < fPen.Width(); x += fUnit)
+        fPen.Fill({x, 0, 1, fPen.Height()}, kGridLine);
+    for (int y = centreY % fUnit; y < fPen.Height(); y += fUnit)
+        fPen.Fill({0, y, fPen.Width(), 1}, kGridLine);
+    fPen.Ring(centreX, centreY, 8.5 * fUnit, 3, kWhite);
 }
 
 /// Battlements along all edges and a line of one pixel around them: what is cut off shows at once.
 void TestCard::paint_edges() {
     const int depth = fUnit / 3;
-    const int width = fCanvas.Width();
-    const int height = fCanvas.Height();
+    const int width = fPen.Width();
+    const int height = fPen.Height();
     for (int x = 0; x < width; x += fUnit) {
         const uint32_t colour = x / fUnit % 2 ? kWhite : kBlack;
-        fCanvas.Fill({x, 0, fUnit, depth}, colour);
-        fCanvas.Fill({x, height - depth, fUnit, depth}, colour);
+        fPen.Fill({x, 0, fUnit, depth}, colour);
+        fPen.Fill({x, height - depth, fUnit, depth}, colour);
     }
     for (int y = 0; y < height; y += fUnit) {
         const uint32_t colour = y / fUnit % 2 ? kWhite : kBlack;
-        fCanvas.Fill({0, y, depth, fUnit}, colour);
-        fCanvas.Fill({width - depth, y, depth, fUnit}, colour);
+        fPen.Fill({0, y, depth, fUnit}, colour);
+        fPen.Fill({width - depth, y, depth, fUnit}, colour);
     }
-    fCanvas.Frame({0, 0, width, height}, 1, kWhite);
+    fPen.Frame({0, 0, width, height}, 1, kWhite);
 }
 
 void TestCard::paint_corners() {
     const int length = 2 * fUnit;
     const int thickness = fUnit / 2;
-    const int right = fCanvas.Width();
-    const int bottom = fCanvas.Height();
+    const int right = fPen.Width();
+    const int bottom = fPen.Height();
     const auto mark = [&](int x, int y, int inwardX, int inwardY, uint32_t colour) {
-        fCanvas.Fill({x - inwardX * length, y - inwardY * thickness, length, thickness}, colour);
-        fCanvas.Fill({x - inwardX * thickness, y - inwardY * length, thickness, length}, colour);
+        fPen.Fill({x - inwardX * length, y - inwardY * thickness, length, thickness}, colour);
+        fPen.Fill({x - inwardX * thickness, y - inwardY * length, thickness, length}, colour);
     };
     mark(0, 0, 0, 0, kRed);
     mark(right, 0, 1, 0, kGreen);
@@ -139,20 +139,20 @@ void TestCard::paint_corners() {
 }
 
 void TestCard::paint_labels() {
-    const int middle = fCanvas.Height() / 2 - fUnit / 2;
-    const int side = (fCanvas.Width() / 2 - 9 * fUnit);
+    const int middle = fPen.Height() / 2 - fUnit / 2;
+    const int side = (fPen.Width() / 2 - 9 * fUnit);
     paint_centred("LEFT", {fUnit / 2, middle, side, fUnit}, kWhite);
-    paint_centred("RIGHT", {fCanvas.Width() - fUnit / 2 - side, middle, side, fUnit}, kWhite);
+    paint_centred("RIGHT", {fPen.Width() - fUnit / 2 - side, middle, side, fUnit}, kWhite);
 
     // An arrow that points up, with its word under it.
-    const int centre = fCanvas.Width() / 2;
+    const int centre = fPen.Width() / 2;
     for (int row = 0; row < fUnit; ++row)
-        fCanvas.Fill({centre - row, fUnit + row, 2 * row + 1, 1}, kWhite);
+        fPen.Fill({centre - row, fUnit + row, 2 * row + 1, 1}, kWhite);
     paint_centred("TOP", {centre - 2 * fUnit, 2 * fUnit + fUnit / 4, 4 * fUnit, fUnit}, kWhite);
 }
 
 void TestCard::paint_panel(int number) {
-    fCanvas.Fill(panel(kTitleRow, kPanelEnd), kBlack);
+    fPen.Fill(panel(kTitleRow, kPanelEnd), kBlack);
     paint_centred("GLASSPANE DISPLAY " + std::to_string(number), panel(kTitleRow, kBarsRow), kWhite);
     paint_colour_bars(panel(kBarsRow, kRampRow));
     paint_grey_ramp(panel(kRampRow, kStepsRow));
@@ -164,20 +164,20 @@ void TestCard::paint_colour_bars(const PixelRect& area) {
     for (int i = 0; i < kBarCount; ++i) {
         const int left = area.width * i / kBarCount;
         const int right = area.width * (i + 1) / kBarCount;
-        fCanvas.Fill({area.x + left, area.y, right - left, area.height}, kBars[i]);
+        fPen.Fill({area.x + left, area.y, right - left, area.height}, kBars[i]);
     }
 }
 
 void TestCard::paint_grey_ramp(const PixelRect& area) {
     for (int x = 0; x < area.width; ++x)
-        fCanvas.Fill({area.x + x, area.y, 1, area.height}, grey(x * 255 / (area.width - 1)));
+        fPen.Fill({area.x + x, area.y, 1, area.height}, grey(x * 255 / (area.width - 1)));
 }
 
 void TestCard::paint_grey_steps(const PixelRect& area) {
     for (int i = 0; i < kGreySteps; ++i) {
         const int left = area.width * i / kGreySteps;
         const int right = area.width * (i + 1) / kGreySteps;
-        fCanvas.Fill({area.x + left, area.y, right - left, area.height}, grey(i * 255 / (kGreySteps - 1)));
+        fPen.Fill({area.x + left, area.y, right - left, area.height}, grey(i * 255 / (kGreySteps - 1)));
     }
 }
 
@@ -199,16 +199,16 @@ void TestCard::paint_stripes(const PixelRect& area, int columnPeriod, int rowPer
         for (int x = 0; x < area.width; ++x) {
             const bool column = columnPeriod && x % columnPeriod >= columnPeriod / 2;
             const bool row = rowPeriod && y % rowPeriod >= rowPeriod / 2;
-            fCanvas.Fill({area.x + x, area.y + y, 1, 1}, column == row ? kWhite : kBlack);
+            fPen.Fill({area.x + x, area.y + y, 1, 1}, column == row ? kWhite : kBlack);
         }
     }
 }
 
 void TestCard::paint_centred(const std::string& text, const PixelRect& area, uint32_t colour) {
     const int scale = std::max(fUnit / 10, 1);
-    const PixelRect bounds = Canvas::TextBounds(text, 0, 0, scale);
-    fCanvas.Text(text, area.x + (area.width - bounds.width) / 2, area.y + (area.height - bounds.height) / 2,
-                 scale, colour);
+    const PixelRect bounds = PixelPen::TextBounds(text, 0, 0, scale);
+    fPen.Text(text, area.x + (area.width - bounds.width) / 2, area.y + (area.height - bounds.height) / 2,
+              scale, colour);
 }
 
 void TestCard::paint_clock(int64_t microseconds) {
@@ -220,7 +220,7 @@ void TestCard::paint_clock(int64_t microseconds) {
         static_cast<int>(microseconds / 1000 % 1000),
         static_cast<int>((seconds * kFramesPerSecond + microseconds % kSecond * kFramesPerSecond / kSecond) %
                          10'000'000));
-    fCanvas.Fill(ClockArea(), kBlack);
+    fPen.Fill(ClockArea(), kBlack);
     paint_centred(text, ClockArea(), kYellow);
 }
 
@@ -230,15 +230,15 @@ void TestCard::paint_track(int64_t microseconds) {
     const int blockWidth = 2 * fUnit;
     const int travel = track.width - blockWidth;
     const int place = static_cast<int>(microseconds % kLap * travel / kLap);
-    fCanvas.Fill(track, kTrack);
+    fPen.Fill(track, kTrack);
     for (int tick = 0; tick <= 10; ++tick)
-        fCanvas.Fill({track.x + blockWidth / 2 + travel * tick / 10, track.y, 1, track.height}, kGridLine);
-    fCanvas.Fill({track.x + place, track.y, blockWidth, track.height}, kYellow);
-    fCanvas.Fill({track.x + place + blockWidth / 2, track.y, 1, track.height}, kBlack);
+        fPen.Fill({track.x + blockWidth / 2 + travel * tick / 10, track.y, 1, track.height}, kGridLine);
+    fPen.Fill({track.x + place, track.y, blockWidth, track.height}, kYellow);
+    fPen.Fill({track.x + place + blockWidth / 2, track.y, 1, track.height}, kBlack);
 }
 
 void TestCard::paint_flash(int64_t microseconds) {
-    fCanvas.Fill(FlashArea(), IsFlashing(microseconds) ? kWhite : kBlack);
+    fPen.Fill(FlashArea(), IsFlashing(microseconds) ? kWhite : kBlack);
 }
 
 } // namespace host

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "Canvas.h"
+#include "PixelPen.h"
 
 namespace host {
 
@@ -15,8 +15,8 @@ class TestCard {
     /// How long the box flashes at the start of each whole second, in microseconds.
     static constexpr int64_t kFlash = 100'000;
 
-    /// Paints the still part at once; \p canvas covers the display.
-    TestCard(const Canvas& canvas, int number);
+    /// Paints the still part at once; \p pen covers the display.
+    TestCard(const PixelPen& pen, int number);
 
     /// Paints the moving parts that touch \p area, which counts from the card's corner.
     void Update(int64_t microseconds, const PixelRect& area);
@@ -50,7 +50,7 @@ class TestCard {
     void paint_track(int64_t microseconds);
     void paint_flash(int64_t microseconds);
 
-    Canvas fCanvas;
+    PixelPen fPen;
     int fUnit; ///< An eighteenth of the height: everything is placed by it.
 };
 

@@ -1,3 +1,4 @@
+#include <cstring>
 #include <memory>
 
 #include <CLI/CLI.hpp>
@@ -20,6 +21,8 @@ struct Snapshot {
 
 /// Pictures that are asked for: the first may show the screen as it was at some time in the past.
 constexpr int kPolls = 2;
+/// From here on the server is asked for its best.
+constexpr int kGoodQuality = 75;
 
 bool fetch(Stream& stream, std::string& reason) {
     for (int i = 0; i < kPolls; ++i) {
@@ -38,22 +41,55 @@ bool fetch(Stream& stream, std::string& reason) {
     return !stream.Picture().IsEmpty();
 }
 
+/// The picture that is saved: b, g, r, x, top row first.
+struct Picture {
+    int width;
+    int height;
+    std::vector<uint8_t> pixels;
+};
+
+Picture copy_of(const Stream& stream, bool hasPointer) {
+    const Canvas& canvas = stream.Picture();
+    const auto size = static_cast<size_t>(canvas.RowBytes()) * static_cast<size_t>(canvas.Height());
+    Picture picture{canvas.Width(), canvas.Height(), {canvas.Row(0), canvas.Row(0) + size}};
+    if (const PointerShape* pointer = stream.Pointer(); pointer && hasPointer)
+        pointer->DrawInto(picture.pixels.data(), picture.width, picture.height, stream.PointerPlace().x,
+                          stream.PointerPlace().y);
+    return picture;
+}
+
+/// Cuts off at the left, top, right and bottom. False if nothing would be left.
+bool crop(Picture& picture, const std::vector<int>& edges) {
+    const int left = edges[0], top = edges[1];
+    const int64_t width = int64_t{picture.width} - left - edges[2];
+    const int64_t height = int64_t{picture.height} - top - edges[3];
+    if (width < 1 || height < 1)
+        return false;
+    const auto rowBytes = static_cast<size_t>(width) * Canvas::kPixelBytes;
+    for (int64_t y = 0; y < height; ++y)
+        std::memmove(
+            &picture.pixels[static_cast<size_t>(y) * rowBytes],
+            &picture.pixels[static_cast<size_t>((top + y) * picture.width + left) * Canvas::kPixelBytes],
+            rowBytes);
+    picture.width = static_cast<int>(width);
+    picture.height = static_cast<int>(height);
+    return true;
+}
+
 int snapshot(const Client& client, const Snapshot& options) {
-    Stream::Settings settings{.server = options.server, .quality = options.quality >= 75 ? "high" : "normal"};
-    if (!options.crop.empty())
-        settings.crop = {options.crop[0], options.crop[1], options.crop[2], options.crop[3]};
+    Stream::Settings settings;
+    settings.server = options.server;
+    settings.quality = options.quality >= kGoodQuality ? "high" : "normal";
     Stream stream(settings, &client.interruption);
     std::string reason;
     if (!fetch(stream, reason))
         return Client::Fail(reason);
-    const Canvas& canvas = stream.Picture();
-    std::vector<uint8_t> pixels(canvas.Row(0), canvas.Row(0) + static_cast<size_t>(canvas.RowBytes()) *
-                                                                   static_cast<size_t>(canvas.Height()));
-    if (const PointerShape* pointer = stream.Pointer(); pointer && options.hasPointer)
-        pointer->DrawInto(pixels.data(), canvas.Width(), canvas.Height(), stream.PointerPlace().x,
-                          stream.PointerPlace().y);
-    if (!PictureFile::Write(options.path, pixels.data(), canvas.Width(), canvas.Height(), options.quality,
-                            reason))
+    Picture picture = copy_of(stream, options.hasPointer);
+    if (!options.crop.empty() && !crop(picture, options.crop))
+        return Client::Fail("nothing is left of " + std::to_string(picture.width) + " x " +
+                            std::to_string(picture.height) + " pixels; crop less");
+    if (!PictureFile::Write(options.path, picture.pixels.data(), picture.width, picture.height,
+                            options.quality, reason))
         return Client::Fail(reason);
     return Client::kSuccess;
 }

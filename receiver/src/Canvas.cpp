@@ -1,7 +1,6 @@
 #include "Canvas.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include <turbojpeg.h>
 
@@ -49,25 +48,11 @@ bool Canvas::draw(const StreamReply::Picture& picture, std::string& reason) {
     return true;
 }
 
-/// Makes the canvas that large, and keeps what still has a place. A frame of the same size that has moved
-/// shows the same.
+/// A frame of the same size that has moved shows the same.
 void Canvas::resize(const zRect& frame) {
-    const bool isSameSize = !IsEmpty() && frame.Width() == Width() && frame.Height() == Height();
-    if (isSameSize) {
-        fFrame = frame;
-        return;
-    }
-    const auto rowBytes = static_cast<size_t>(frame.Width()) * kPixelBytes;
-    std::vector<uint8_t> pixels(rowBytes * static_cast<size_t>(frame.Height()));
-    const zRect kept = frame.Intersection(fFrame);
-    if (!IsEmpty() && kept.Valid()) {
-        for (int y = kept.top; y <= kept.bottom; ++y)
-            std::memcpy(&pixels[static_cast<size_t>(y - frame.top) * rowBytes +
-                                static_cast<size_t>(kept.left - frame.left) * kPixelBytes],
-                        Row(y - fFrame.top) + static_cast<ptrdiff_t>(kept.left - fFrame.left) * kPixelBytes,
-                        static_cast<size_t>(kept.Width()) * kPixelBytes);
-    }
-    fPixels = std::move(pixels);
+    if (!HasSizeOf(frame))
+        fPixels.assign(static_cast<size_t>(frame.Width()) * static_cast<size_t>(frame.Height()) * kPixelBytes,
+                       0);
     fFrame = frame;
 }
 

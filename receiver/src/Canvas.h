@@ -24,6 +24,9 @@ class Canvas {
     bool Draw(const StreamReply& reply, std::string& reason);
 
     bool IsEmpty() const { return fPixels.empty(); }
+    bool HasSizeOf(const zRect& frame) const {
+        return !IsEmpty() && Width() == frame.Width() && Height() == frame.Height();
+    }
     int Width() const { return fFrame.Width(); } ///< Undefined while it is empty, as is the height.
     int Height() const { return fFrame.Height(); }
     int RowBytes() const { return Width() * kPixelBytes; }

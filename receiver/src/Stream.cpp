@@ -41,7 +41,7 @@ Stream::Event Stream::Poll() {
         fFailure.clear();
         fFailureCount = 0;
     }
-    schedule(begin);
+    schedule();
     return event;
 }
 
@@ -49,12 +49,6 @@ zRecord Stream::request() const {
     zRecord members;
     members.SetUInt32("sequence_id", fSequence);
     members.SetCString("quality", fSettings.quality.c_str());
-    if (fSettings.crop != zRect(0, 0, 0, 0)) {
-        members.SetInt32("crop_left", fSettings.crop.left);
-        members.SetInt32("crop_top", fSettings.crop.top);
-        members.SetInt32("crop_right", fSettings.crop.right);
-        members.SetInt32("crop_bottom", fSettings.crop.bottom);
-    }
     return members;
 }
 
@@ -82,14 +76,16 @@ Stream::Event Stream::take(std::string& reason) {
 }
 
 Stream::Event Stream::take_pictures(bool isContinued, std::string& reason) {
+    note_move();
     const bool isBehind = fLast.nextSequence - fSequence > kKeptStates;
-    const bool startsAnew = fLast.IsWholeFrame();
-    if (!startsAnew && (fCanvas.IsEmpty() || fSequence == 0 || (isBehind && !fLast.pictures.empty()))) {
+    if (!fLast.IsWholeFrame() &&
+        (fCanvas.IsEmpty() || fSequence == 0 || (isBehind && !fLast.pictures.empty()))) {
         fSequence = 0; // Changes of something that isn't here.
         return Event::kIdle;
     }
     fSequence = fLast.nextSequence;
-    if (fLast.pictures.empty())
+    // A frame that has grown to hold a change is followed by a whole one.
+    if (fLast.pictures.empty() || !(fLast.IsWholeFrame() || fCanvas.HasSizeOf(fLast.frame)))
         return Event::kIdle;
     const Clock::time_point begin = Clock::now();
     if (!fCanvas.Draw(fLast, reason))
@@ -97,6 +93,13 @@ Stream::Event Stream::take_pictures(bool isContinued, std::string& reason) {
     fFigures.composing.Add(milliseconds_since(begin));
     count_pictures(isContinued);
     return Event::kPicture;
+}
+
+/// A picture as large as the canvas that lies elsewhere is the frame at its new place, as that of a window
+/// that moves. The reply tells a frame that holds both places.
+void Stream::note_move() {
+    if (fLast.pictures.size() == 1 && fCanvas.HasSizeOf(fLast.pictures[0].place))
+        fLast.frame = fLast.pictures[0].place;
 }
 
 void Stream::count_pictures(bool isContinued) {
@@ -142,18 +145,17 @@ void Stream::note_clocks(bool isContinued) {
         fSoundDrift.Add(fLast.sound->endTime, fLast.timestamp);
 }
 
-void Stream::schedule(Clock::time_point begin) {
-    Clock::duration pause = 0s;
-    if (fFailureCount > 0)
-        pause = std::min(kFirstPause * (1 << std::min(fFailureCount - 1, kDoublings)), kLongestPause);
-    else if (fSettings.rate > 0)
-        pause =
-            std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / fSettings.rate));
+void Stream::schedule() {
     const Clock::time_point now = Clock::now();
-    // In the beat as long as it is kept: a beat that was missed is not made up for.
-    const Clock::time_point due = fNextPoll + pause;
-    const bool isKept = fFailureCount == 0 && due > now && fNextPoll + pause > begin;
-    fNextPoll = isKept ? due : std::max(begin + pause, now);
+    if (fFailureCount > 0) {
+        fNextPoll =
+            now + std::min(kFirstPause * (1 << std::min(fFailureCount - 1, kDoublings)), kLongestPause);
+        return;
+    }
+    const std::chrono::duration<double> interval(fSettings.rate > 0 ? 1 / fSettings.rate : 0);
+    const auto pause = std::chrono::duration_cast<Clock::duration>(interval);
+    // In the beat as long as it is kept; a beat that was missed is not made up for.
+    fNextPoll = std::clamp(fNextPoll + pause, now, now + pause);
 }
 
 const StreamReply::Sound* Stream::Sound() const {

@@ -25,7 +25,6 @@ class Stream {
     struct Settings {
         Address server;
         std::string quality = "normal"; ///< Or "low" or "high".
-        zRect crop{0, 0, 0, 0};         ///< Pixels cut off at each edge.
         bool withSound = false;
         double rate = 60; ///< Polls a second; 0 for as fast as replies come.
         Connection::Limits limits{};
@@ -92,8 +91,9 @@ class Stream {
     Event fail(const std::string& reason);
     bool note_instance();
     void note_clocks(bool isContinued);
+    void note_move();
     void count_pictures(bool isContinued);
-    void schedule(Clock::time_point begin);
+    void schedule();
 
     const Settings fSettings;
     Connection fConnection;

@@ -7,11 +7,11 @@
 namespace {
 
 // Kinds of an entry. Each has the id of the record that it is about as its own.
-constexpr unsigned int kRecordAdded = z4CCCC("+rec");
-constexpr unsigned int kRecordDeleted = z4CCCC("-rec");   // is the record, with its place in the tree
-constexpr unsigned int kVariableAdded = z4CCCC("+var");   // holds a variable with the id
-constexpr unsigned int kVariableChanged = z4CCCC("~var"); // holds the variable as it was
-constexpr unsigned int kVariableDeleted = z4CCCC("-var"); // so does this
+constexpr unsigned int kEntry_RecordAdded = z4CCCC("+rec");
+constexpr unsigned int kEntry_RecordDeleted = z4CCCC("-rec");   // is the record, with its place in the tree
+constexpr unsigned int kEntry_VariableAdded = z4CCCC("+var");   // holds a variable with the id
+constexpr unsigned int kEntry_VariableChanged = z4CCCC("~var"); // holds the variable as it was
+constexpr unsigned int kEntry_VariableDeleted = z4CCCC("-var"); // so does this
 
 // The place of a deleted record.
 constexpr unsigned int kParentID = z4CCCC("%tID");
@@ -39,7 +39,7 @@ void zTable::undo_push(zRecord* entry, int record, unsigned int kind) {
 }
 
 void zTable::undo_push_rec_added(int record) {
-    undo_push(new zRecord, record, kRecordAdded);
+    undo_push(new zRecord, record, kEntry_RecordAdded);
 }
 
 void zTable::undo_push_rec_deleted(const zRecord& record, int index) {
@@ -47,25 +47,25 @@ void zTable::undo_push_rec_deleted(const zRecord& record, int index) {
     entry->copy_record_not_children(record, true);
     entry->SetInt32(kParentID, record.Parent() != nullptr ? record.Parent()->RecordID() : 0);
     entry->SetInt32(kChildIndex, index);
-    undo_push(entry, record.RecordID(), kRecordDeleted);
+    undo_push(entry, record.RecordID(), kEntry_RecordDeleted);
 }
 
 void zTable::undo_push_var_add(int record, unsigned int variable) {
     auto* entry = new zRecord;
     entry->SetInt32(variable, 0);
-    undo_push(entry, record, kVariableAdded);
+    undo_push(entry, record, kEntry_VariableAdded);
 }
 
 void zTable::undo_push_var_change(int record, const zVariable& variable) {
     auto* entry = new zRecord;
     entry->VariablePutOne(variable);
-    undo_push(entry, record, kVariableChanged);
+    undo_push(entry, record, kEntry_VariableChanged);
 }
 
 void zTable::undo_push_var_deleted(int record, const zVariable& variable) {
     auto* entry = new zRecord;
     entry->VariablePutOne(variable);
-    undo_push(entry, record, kVariableDeleted);
+    undo_push(entry, record, kEntry_VariableDeleted);
 }
 
 // ---- Reversing ----
@@ -96,11 +96,11 @@ int zTable::undo_reverse_affect(zRecord* popped) {
         return 0;
     std::unique_ptr<zRecord> entry(popped);
     const unsigned int kind = entry->As4CCCC(zUndo::kEntryKind, 0);
-    if (kind == kRecordAdded) {
+    if (kind == kEntry_RecordAdded) {
         RemoveRecord(entry->RecordID());
         return 1;
     }
-    if (kind == kRecordDeleted) {
+    if (kind == kEntry_RecordDeleted) {
         restore_record(std::move(entry));
         return 1;
     }
@@ -108,9 +108,9 @@ int zTable::undo_reverse_affect(zRecord* popped) {
     const zVariable* variable = variable_of(*entry);
     if (record == nullptr || variable == nullptr)
         return 1;
-    if (kind == kVariableAdded)
+    if (kind == kEntry_VariableAdded)
         record->RemoveID(variable->ID());
-    else if (kind == kVariableChanged || kind == kVariableDeleted)
+    else if (kind == kEntry_VariableChanged || kind == kEntry_VariableDeleted)
         record->VariablePutOne(*variable);
     return 1;
 }

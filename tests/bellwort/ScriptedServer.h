@@ -55,6 +55,7 @@ class ScriptedServer {
     std::string URL(const std::string& path = "/") const {
         return "http://127.0.0.1:" + std::to_string(fPort) + path;
     }
+    int Port() const { return fPort; }
     int Connections() const { return fCount; }
     /// The request that came last.
     std::string Request() {

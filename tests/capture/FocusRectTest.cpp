@@ -1,12 +1,8 @@
-#include <set>
-
 #include <gtest/gtest.h>
 
 #include "FakeHost.h"
 #include "vnFocusManager.h"
 #include "vnFocusRect.h"
-#include "vnFocusWindow.h"
-#include "zString.h"
 
 namespace {
 
@@ -57,14 +53,6 @@ TEST(FocusRect, EvaluatesPresetsAgainstTheDisplay) {
     }
 }
 
-TEST(FocusRect, WithoutAPresetIsTheWholeDisplay) {
-    vnFocusRect focus;
-    focus.SetMaximumRect(kDisplay);
-    zRect rect;
-    EXPECT_EQ(focus.Rect(rect), 0);
-    EXPECT_EQ(rect, kDisplay);
-}
-
 TEST(FocusRect, ARegionOnAnotherDisplayTurnsEveryPresetIntoTheWholeDisplay) {
     struct {
         int region;
@@ -83,65 +71,6 @@ TEST(FocusRect, ARegionOnAnotherDisplayTurnsEveryPresetIntoTheWholeDisplay) {
         focus.Rect(rect);
         EXPECT_EQ(rect == kDisplay, one.isWhole) << one.region << " " << one.display;
     }
-}
-
-TEST(FocusRect, ChangesPresetsByTheirIDAlone) {
-    vnFocusRect focus;
-    zRecord list;
-    focus.AddPreset(*AddOne(list, 2, zRect(10, 10)));
-    focus.AddPreset(*AddOne(list, 6, zRect(20, 20)));
-
-    zRecord presets;
-    focus.Presets(presets);
-    Preset::SetRect(*presets.Child(1), zRect(30, 30));
-    focus.ChangePreset(*presets.Child(1));
-    focus.ChangePreset(*list.Child(0)); // has no id
-    zRecord after;
-    focus.Presets(after);
-    ASSERT_EQ(after.ChildCount(), 2);
-    EXPECT_EQ(Preset::Rect(*after.Child(0)), zRect(10, 10));
-    EXPECT_EQ(Preset::Rect(*after.Child(1)), zRect(30, 30));
-    EXPECT_EQ(after.Child(1)->AsInt32("preset_id", 0), presets.Child(1)->AsInt32("preset_id", -1));
-    EXPECT_TRUE(Preset::IsCustomCentered(*after.Child(1)));
-    EXPECT_FALSE(Preset::IsCustomCentered(*after.Child(0)));
-}
-
-TEST(FocusManager, OffersTheStandardPresetsAgainAtEachRun) {
-    FakeHost machine;
-    const host::HostScope scope(machine);
-    vnFocusManager manager;
-    manager.InitializeFocusRectPresets();
-    manager.InitializeFocusRectPresets();
-    zRecord presets;
-    manager.FocusRect()->Presets(presets);
-    ASSERT_EQ(presets.ChildCount(), 10);
-    struct {
-        const char* title; // The keys, as no language is loaded.
-        unsigned int options;
-        bool isRegion;
-        zRect rect;
-    } const expected[] = {{"vn_full_screen", 1, false, {}},
-                          {"vn_select_screen_region", 4, true, {}},
-                          {"vn_800x600_centered", 2, false, {800, 600}},
-                          {"vn_320x240_centered", 2, false, {320, 240}},
-                          {"vn_custom_centered", 6, false, {}}};
-    std::set<int> ids;
-    for (unsigned int i = 0; i < 10; ++i) {
-        const zRecord& preset = *presets.Child(i);
-        EXPECT_STREQ(Preset::Title(preset), expected[i % 5].title);
-        EXPECT_EQ(Preset::Options(preset), expected[i % 5].options);
-        EXPECT_EQ(Preset::IsRegionSelection(preset), expected[i % 5].isRegion);
-        EXPECT_EQ(Preset::Rect(preset), expected[i % 5].rect);
-        EXPECT_EQ(preset.ExistsName("rect"), expected[i % 5].rect != zRect());
-        ids.insert(preset.AsInt32("preset_id", 0));
-    }
-    EXPECT_EQ(ids.size(), 10U);
-    EXPECT_FALSE(ids.contains(0));
-
-    zRecord current;
-    manager.FocusRect()->Current(current);
-    EXPECT_STREQ(Preset::Title(current), "vn_select_screen_region");
-    EXPECT_FALSE(current.ExistsName("preset_id"));
 }
 
 TEST(FocusManager, CutsWhatIsTooLargeAtItsFarEdges) {
@@ -163,21 +92,6 @@ TEST(FocusManager, CutsWhatIsTooLargeAtItsFarEdges) {
         EXPECT_EQ(manager.Rect(rect), 0);
         EXPECT_EQ(rect, one.expected) << one.display.left;
     }
-}
-
-TEST(FocusManager, KnowsTwoTypesOfFocus) {
-    FakeHost machine;
-    const host::HostScope scope(machine);
-    vnFocusManager manager;
-    EXPECT_EQ(manager.Focused(), 0x72656374U);
-    EXPECT_TRUE(manager.CanFocusOn(0x72656374));
-    EXPECT_FALSE(manager.CanFocusOn(0x77696E64)) << "this machine has no windows";
-    EXPECT_FALSE(manager.CanFocusOn(1));
-
-    manager.SetFocus(1);
-    zRect rect(10, 20, 5000, 6000);
-    EXPECT_EQ(manager.Rect(rect), -1);
-    EXPECT_EQ(rect, zRect(10, 20, 2057, 2067)) << "cut, though nothing was said";
 }
 
 } // namespace

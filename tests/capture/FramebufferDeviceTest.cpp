@@ -96,23 +96,4 @@ TEST_F(FramebufferDeviceTest, LimitsFramesAndRefusesNegativeOnes) {
     device.Close();
 }
 
-TEST_F(FramebufferDeviceTest, BuffersOfTheOtherDeviceAreReplaced) {
-    vnSnapshot_ogl device(1);
-    vnSnapshot_cg reference(1);
-    device.Open();
-    reference.Open();
-    for (vnSnapshot* one : {static_cast<vnSnapshot*>(&reference), static_cast<vnSnapshot*>(&device)}) {
-        ASSERT_EQ(one->Grab(&buffer, zRect(), nullptr), 0);
-        EXPECT_EQ(buffer->TypeTag(), one == &device ? vnSnapBuff_ogl::kTypeTag : vnSnapBuff_cg::kTypeTag);
-    }
-    // Deliberate: by the base, such a buffer takes a geometry and keeps its store.
-    const int size = buffer->Size();
-    EXPECT_EQ(buffer->Configure(1, 1, 4, kColorSpace_bgra), 0);
-    EXPECT_EQ(buffer->Size(), size);
-    EXPECT_EQ(static_cast<vnSnapBuff_ogl*>(buffer)->Configure(2, 2, 8, 0x61726762), 0);
-    EXPECT_EQ(buffer->Size(), 16);
-    device.Close();
-    reference.Close();
-}
-
 } // namespace

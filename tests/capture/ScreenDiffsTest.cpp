@@ -71,16 +71,6 @@ TEST(ScreenDiffs, AGrownRegionIsNotComparedAgain) {
     EXPECT_EQ(take(diffs), (std::vector{left.Union(bridge), right, between}));
 }
 
-TEST(ScreenDiffs, AListGrowsAndKeepsItsEntries) {
-    Lists diffs;
-    for (int i = 0; i < 400; ++i)
-        diffs.add_rect({i * 1000, 0, i * 1000, 0}, false);
-    const auto taken = take(diffs);
-    ASSERT_EQ(taken.size(), 400U);
-    for (int i = 0; i < 400; ++i)
-        EXPECT_EQ(taken[static_cast<size_t>(i)].left, i * 1000);
-}
-
 TEST(ScreenDiffs, AListOnLoanStaysAsItIs) {
     Lists diffs;
     const zRect first(0, 0, 9, 9);

@@ -52,15 +52,6 @@ TEST_F(SnapshotDeviceTest, FramesHoldOpaquePixelsBottomRowFirst) {
     }
 }
 
-TEST_F(SnapshotDeviceTest, ZeroMeansTheMainDisplayAndAnOpenDeviceCanMove) {
-    vnSnapshot_cg device(0);
-    device.Open();
-    EXPECT_EQ(device.MaximumRect(), zRect(0, 0, 63, 47));
-    EXPECT_EQ(device.SetDisplay(2), 0);
-    EXPECT_EQ(device.MaximumRect(), zRect(64, -10, 95, 13));
-    device.Close();
-}
-
 TEST_F(SnapshotDeviceTest, AbsurdCropsFailWithoutHarm) {
     vnSnapshot_cg device(1);
     device.Open();
@@ -84,14 +75,6 @@ TEST_F(SnapshotDeviceTest, AbsurdCropsFailWithoutHarm) {
     device.Close();
 }
 
-TEST_F(SnapshotDeviceTest, AGrabReachesBeyondTheDisplayWhereTheCropSaysSo) {
-    vnSnapshot_cg device(1);
-    device.Open();
-    ASSERT_EQ(device.Grab(&buffer, zRect(-5, 0, -7, 0), &captured), 0);
-    EXPECT_EQ(captured, zRect(-5, 0, 63 + 7, 47));
-    device.Close();
-}
-
 TEST_F(SnapshotDeviceTest, ReplacesAnothersBufferAndReusesItsOwn) {
     vnSnapshot_cg device(1);
     device.Open();
@@ -105,15 +88,6 @@ TEST_F(SnapshotDeviceTest, ReplacesAnothersBufferAndReusesItsOwn) {
     const uint8_t* store = buffer->Data();
     ASSERT_EQ(device.Grab(&buffer, zRect(), nullptr), 0);
     EXPECT_EQ(buffer->Data(), store);
-    device.Close();
-}
-
-TEST_F(SnapshotDeviceTest, AFailedPictureStillTellsThePlace) {
-    vnSnapshot_cg device(1);
-    device.Open();
-    machine.pictureResult = -1;
-    EXPECT_EQ(device.Grab(&buffer, zRect(), &captured), -1);
-    EXPECT_EQ(captured, zRect(0, 0, 63, 47));
     device.Close();
 }
 
@@ -145,18 +119,6 @@ TEST_F(PointerTest, ShapesAreStoredBottomRowFirstAtTheirLeftTopCorner) {
     machine.hotSpot = {2, 0};
     ASSERT_EQ(Look(), 0);
     EXPECT_EQ(rect.left, 0) << "truncated towards zero, in floating point";
-}
-
-TEST_F(PointerTest, NothingToShowTouchesNothing) {
-    machine.pointerVisible = false;
-    EXPECT_EQ(Look(), -1);
-    machine.pointerVisible = true;
-    machine.pointerInFramebuffer = true;
-    EXPECT_EQ(Look(), -1);
-    EXPECT_EQ(rect, zRect(9, 9, 9, 9));
-    EXPECT_EQ(rowBytes, 9);
-    EXPECT_EQ(colorSpace, 9);
-    EXPECT_EQ(image.Size(), 0U);
 }
 
 TEST_F(PointerTest, OnlyTheSystemsThatCacheShapesSaveTheFetch) {

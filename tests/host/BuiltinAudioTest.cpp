@@ -75,8 +75,4 @@ TEST_F(BuiltinAudio, LosesTheOldestWhenNobodyDrains) {
     EXPECT_EQ(tap->DroppedBlocks(), 900U);
 }
 
-TEST_F(BuiltinAudio, TapsItsOwnDeviceOnly) {
-    EXPECT_EQ(tap->SetProperties("", "another"), -1);
-}
-
 } // namespace

@@ -4,12 +4,11 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include <unistd.h>
+#include "Await.h"
+#include "TestFolder.h"
 
 namespace {
 
@@ -54,24 +53,15 @@ TEST(PosixDesktop, ResourcesLieBesideThePrograms) {
 
 TEST(PosixDesktop, OpensWithTheUsersOpener) {
     // An opener of the test's own, in the place of the desktop's.
-    char folder[] = "/tmp/glasspane_test_XXXXXX";
-    ASSERT_NE(mkdtemp(folder), nullptr);
-    const std::filesystem::path home(folder);
-    std::ofstream(home / "xdg-open") << "#!/bin/sh\nprintf %s \"$1\" >" << folder << "/part && mv " << folder
-                                     << "/part " << folder << "/opened\n";
+    const TestFolder home;
+    const std::string folder = home.Path().string();
+    home.Write("xdg-open", "#!/bin/sh\nprintf %s \"$1\" >" + folder + "/part && mv " + folder + "/part " +
+                               folder + "/opened\n");
     std::filesystem::permissions(home / "xdg-open", std::filesystem::perms::owner_all);
     const std::string path = std::getenv("PATH");
     host::PosixDesktop desktop;
-    setenv("PATH", (std::string(folder) + ":" + path).c_str(), 1);
+    setenv("PATH", (folder + ":" + path).c_str(), 1);
     EXPECT_TRUE(desktop.OpenFile("/a b/'c\".pkg"));
     setenv("PATH", path.c_str(), 1);
-    for (int i = 0; i < 1000 && !std::filesystem::exists(home / "opened"); ++i)
-        usleep(10'000);
-    std::ostringstream opened;
-    opened << std::ifstream(home / "opened").rdbuf();
-    EXPECT_EQ(opened.str(), "/a b/'c\".pkg");
-
-    setenv("HOME", folder, 1);
-    EXPECT_EQ(desktop.HomeDirectory(), folder);
-    std::filesystem::remove_all(home);
+    EXPECT_TRUE(Await([&] { return home.Read("opened") == "/a b/'c\".pkg"; }));
 }

@@ -1,20 +1,17 @@
 #include "DiscoveryDaemon.h"
 
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <net/if.h>
-#include <poll.h>
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace {
+#include "Await.h"
 
-constexpr auto kLimit = std::chrono::seconds(20);
+namespace {
 
 /// A network without interfaces has a loopback one that is down.
 bool bring_loopback_up() {
@@ -27,42 +24,22 @@ bool bring_loopback_up() {
     return up;
 }
 
-bool await_file(const std::filesystem::path& path) {
-    const auto end = std::chrono::steady_clock::now() + kLimit;
-    while (!std::filesystem::exists(path) && std::chrono::steady_clock::now() < end)
-        poll(nullptr, 0, 10);
-    return std::filesystem::exists(path);
-}
-
-std::unique_ptr<Program> launch(const std::string& command) {
-    return std::make_unique<Program>(
-        std::vector<std::string>{"setpriv", "--pdeathsig", "KILL", "sh", "-c", "exec " + command});
-}
-
 } // namespace
-
-DiscoveryDaemon::~DiscoveryDaemon() {
-    fDaemon.reset();
-    fBus.reset();
-    std::error_code ignored;
-    if (!fFolder.empty())
-        std::filesystem::remove_all(fFolder, ignored);
-}
 
 bool DiscoveryDaemon::Start() {
     if (!enter_private_network()) {
         fWhyNot = "no private network: this needs root";
         return false;
     }
-    std::string pattern = (std::filesystem::temp_directory_path() / "glasspane-discovery-XXXXXX").string();
-    fFolder = mkdtemp(pattern.data());
-    const std::string folder = fFolder.string();
+    const std::string folder = fFolder.Path().string();
     setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + folder + "/bus").c_str(), 1);
     write_configuration();
 
-    fBus = launch("dbus-daemon --nofork --nopidfile --config-file=" + folder + "/bus.conf");
-    if (await_file(fFolder / "bus")) {
-        fDaemon = launch("avahi-daemon --no-drop-root --no-chroot --no-rlimits -f " + folder + "/avahi.conf");
+    fBus = std::make_unique<Program>(
+        ServerCommand("dbus-daemon --nofork --nopidfile --config-file=" + folder + "/bus.conf"));
+    if (Await([&] { return std::filesystem::exists(fFolder / "bus"); })) {
+        fDaemon = std::make_unique<Program>(ServerCommand(
+            "avahi-daemon --no-drop-root --no-chroot --no-rlimits -f " + folder + "/avahi.conf"));
         std::string line;
         do
             line = fDaemon->ReadLine();
@@ -84,11 +61,11 @@ bool DiscoveryDaemon::enter_private_network() {
 }
 
 void DiscoveryDaemon::write_configuration() const {
-    std::ofstream(fFolder / "bus.conf")
-        << "<busconfig><type>system</type><listen>unix:path=" << fFolder.string()
-        << "/bus</listen><policy context=\"default\"><allow user=\"*\"/><allow own=\"*\"/>"
-           "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/></policy></busconfig>";
-    std::ofstream(fFolder / "avahi.conf") << "[server]\nhost-name=glasspanetest\nuse-ipv6=no\n"
-                                             "allow-interfaces=lo\n[wide-area]\nenable-wide-area=no\n"
-                                             "[publish]\npublish-hinfo=no\npublish-workstation=no\n";
+    fFolder.Write("bus.conf",
+                  "<busconfig><type>system</type><listen>unix:path=" + fFolder.Path().string() +
+                      "/bus</listen><policy context=\"default\"><allow user=\"*\"/><allow own=\"*\"/>"
+                      "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/></policy></busconfig>");
+    fFolder.Write("avahi.conf", "[server]\nhost-name=glasspanetest\nuse-ipv6=no\nallow-interfaces=lo\n"
+                                "[wide-area]\nenable-wide-area=no\n"
+                                "[publish]\npublish-hinfo=no\npublish-workstation=no\n");
 }

@@ -1,21 +1,16 @@
 #pragma once
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
 #include "Program.h"
+#include "TestFolder.h"
 
 /// Avahi's daemon on a message bus of its own, in a network that consists of this machine's loopback
 /// interface alone: nothing is heard or said outside. This process and the programs that it starts from then
 /// on are in that network for good, so start it before any thread.
 class DiscoveryDaemon {
   public:
-    DiscoveryDaemon() = default;
-    ~DiscoveryDaemon();
-    DiscoveryDaemon(const DiscoveryDaemon&) = delete;
-    DiscoveryDaemon& operator=(const DiscoveryDaemon&) = delete;
-
     /// Starts the daemon; false, with a reason, when it doesn't come up.
     bool Start();
     const std::string& WhyNot() const { return fWhyNot; }
@@ -27,7 +22,7 @@ class DiscoveryDaemon {
     static bool enter_private_network();
     void write_configuration() const;
 
-    std::filesystem::path fFolder;
+    TestFolder fFolder;
     std::unique_ptr<Program> fBus;
     std::unique_ptr<Program> fDaemon;
     std::string fWhyNot;

@@ -35,6 +35,10 @@ int milliseconds_until(Clock::time_point end) {
 
 } // namespace
 
+std::vector<std::string> ServerCommand(const std::string& shellCommand) {
+    return {"setpriv", "--pdeathsig", "KILL", "sh", "-c", "exec " + shellCommand};
+}
+
 Program::Program(const std::vector<std::string>& arguments, const std::vector<std::string>& environment) {
     int ends[2];
     if (pipe(ends) != 0)

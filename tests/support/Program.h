@@ -5,6 +5,9 @@
 #include <string>
 #include <vector>
 
+/// The words that start a server which dies with this process, by a shell command that becomes the server.
+std::vector<std::string> ServerCommand(const std::string& shellCommand);
+
 /// A program under test: started with its output caught, and killed with this object at the latest.
 class Program {
   public:

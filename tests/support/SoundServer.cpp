@@ -1,17 +1,11 @@
 #include "SoundServer.h"
 
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
-#include <poll.h>
+
+#include "Await.h"
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-using namespace std::chrono_literals;
-
-constexpr auto kLimit = 20s;
 
 /// What leads sound programs to a server, or away from a test's.
 constexpr const char* kForeign[] = {"PULSE_SERVER", "PULSE_SINK", "PULSE_RUNTIME_PATH", "PIPEWIRE_REMOTE",
@@ -20,25 +14,15 @@ constexpr const char* kForeign[] = {"PULSE_SERVER", "PULSE_SINK", "PULSE_RUNTIME
 } // namespace
 
 SoundServer::SoundServer() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "glasspane-sound-XXXXXX").string();
-    fFolder = mkdtemp(pattern.data());
     for (const char* name : kForeign)
         unsetenv(name);
-    const std::string folder = fFolder.string();
+    const std::string folder = fFolder.Path().string();
     for (const char* name : {"XDG_RUNTIME_DIR", "XDG_STATE_HOME", "XDG_CONFIG_HOME", "HOME"})
         setenv(name, folder.c_str(), 1);
     setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + folder + "/bus").c_str(), 1);
     // Wireless headsets would have the session manager ask for logins, and give up where nobody keeps any: in
     // a container. An empty file of this name stands before the system's.
-    const std::filesystem::path bluetooth = fFolder / "wireplumber" / "bluetooth.lua.d";
-    std::filesystem::create_directories(bluetooth);
-    std::ofstream(bluetooth / "90-enable-all.lua").flush();
-}
-
-SoundServer::~SoundServer() {
-    Kill();
-    std::error_code ignored;
-    std::filesystem::remove_all(fFolder, ignored);
+    fFolder.Write("wireplumber/bluetooth.lua.d/90-enable-all.lua", "");
 }
 
 bool SoundServer::Start() {
@@ -84,22 +68,14 @@ std::unique_ptr<Program> SoundServer::PlayTone(const std::string& sink) {
     return launch("paplay --device=" + sink + " " + file);
 }
 
-/// The shell is replaced by the program, which dies with this one.
 std::unique_ptr<Program> SoundServer::launch(const std::string& command) {
-    return std::make_unique<Program>(std::vector<std::string>{"setpriv", "--pdeathsig", "KILL", "sh", "-c",
-                                                              "exec " + command + " >/dev/null 2>&1"});
+    return std::make_unique<Program>(ServerCommand(command + " >/dev/null 2>&1"));
 }
 
 bool SoundServer::run(const std::string& command) {
-    return Program({"sh", "-c", "{ " + command + "; } >/dev/null 2>&1"}).WaitForExit(kLimit) == 0;
+    return Program({"sh", "-c", "{ " + command + "; } >/dev/null 2>&1"}).WaitForExit() == 0;
 }
 
 bool SoundServer::await(const std::string& command) {
-    const auto end = Clock::now() + kLimit;
-    while (Clock::now() < end) {
-        if (run(command))
-            return true;
-        poll(nullptr, 0, 20);
-    }
-    return false;
+    return Await([&] { return run(command); });
 }

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "Program.h"
+#include "TestFolder.h"
 
 /// A sound server of its own for a test: PipeWire, with everything that it needs, in a fresh folder. This
 /// process's environment leads to no other one from then on. It ends with the test program however that
@@ -13,7 +13,7 @@
 class SoundServer {
   public:
     SoundServer();
-    ~SoundServer();
+    ~SoundServer() { Kill(); }
     SoundServer(const SoundServer&) = delete;
     SoundServer& operator=(const SoundServer&) = delete;
 
@@ -39,7 +39,7 @@ class SoundServer {
     bool run(const std::string& command);
     bool await(const std::string& command);
 
-    std::filesystem::path fFolder;
+    TestFolder fFolder;
     std::vector<std::unique_ptr<Program>> fServers;
     std::string fWhyNot;
 };

@@ -25,7 +25,7 @@ class TestClient {
         std::string Bytes() const { return head + body; }
     };
 
-    explicit TestClient(uint16_t port, int timeoutMs = 5000) : TestClient(timeoutMs) { Connect(port); }
+    explicit TestClient(uint16_t port, int timeoutMs = 30000) : TestClient(timeoutMs) { Connect(port); }
     /// Takes its descriptor and leaves the connection for `Connect`.
     explicit TestClient(int timeoutMs) : fDescriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
         const int on = 1;

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <memory>
 #include <string>
-#include <sys/types.h>
 #include <vector>
+
+#include "Program.h"
 
 /// An X server of its own for a test: Xvfb on a display that is free. It ends with this object, and with the
 /// test program however that ends.
@@ -17,7 +19,7 @@ class XServer {
     XServer(const XServer&) = delete;
     XServer& operator=(const XServer&) = delete;
 
-    bool Running() const { return fProcess > 0; }
+    bool Running() const { return fProgram != nullptr; }
 
     /// Why it isn't running.
     const std::string& WhyNot() const { return fWhyNot; }
@@ -35,11 +37,9 @@ class XServer {
     void Restart(const std::string& screen);
 
   private:
-    void start(const std::vector<std::string>& command);
-    void await_display(int reader);
-    bool await_end();
+    void start(const std::string& screen, const std::vector<std::string>& arguments);
 
-    pid_t fProcess = -1;
+    std::unique_ptr<Program> fProgram;
     std::string fDisplay;
     std::string fWhyNot;
 };

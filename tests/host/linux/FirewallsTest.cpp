@@ -1,9 +1,8 @@
 #include "Firewalls.h"
 
-#include <cstdlib>
-#include <fstream>
-
 #include <gmock/gmock.h>
+
+#include "TestFolder.h"
 
 namespace {
 
@@ -14,29 +13,20 @@ constexpr int kPort = 7272;
 /// The files of a machine, in a fresh folder.
 class FirewallsTest : public testing::Test {
   protected:
-    FirewallsTest() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "glasspane-fw-XXXXXX").string();
-        fRoot = mkdtemp(pattern.data());
-    }
-    ~FirewallsTest() override { std::filesystem::remove_all(fRoot); }
-
-    void Write(const std::string& path, const std::string& text) const {
-        std::filesystem::create_directories((fRoot / path).parent_path());
-        std::ofstream(fRoot / path) << text;
-    }
     void WriteUfw(const std::string& enabled, const std::string& policy, const std::string& rules) const {
-        Write("usr/sbin/ufw", "");
-        Write("etc/ufw/ufw.conf", "# ENABLED=no\nENABLED=" + enabled + "\nLOGLEVEL=low\n");
-        Write("etc/default/ufw", "IPV6=yes\nDEFAULT_INPUT_POLICY=\"" + policy + "\"\n");
-        Write("etc/ufw/user.rules", "*filter\n### RULES ###\n" + rules + "\n### END RULES ###\nCOMMIT\n");
+        fRoot.Write("usr/sbin/ufw", "");
+        fRoot.Write("etc/ufw/ufw.conf", "# ENABLED=no\nENABLED=" + enabled + "\nLOGLEVEL=low\n");
+        fRoot.Write("etc/default/ufw", "IPV6=yes\nDEFAULT_INPUT_POLICY=\"" + policy + "\"\n");
+        fRoot.Write("etc/ufw/user.rules",
+                    "*filter\n### RULES ###\n" + rules + "\n### END RULES ###\nCOMMIT\n");
     }
     void WriteZone(const std::string& attributes, const std::string& elements) const {
-        Write("etc/firewalld/zones/home.xml", "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<zone" +
-                                                  attributes + ">\n<short>Home</short>\n" + elements +
-                                                  "\n</zone>\n");
+        fRoot.Write("etc/firewalld/zones/home.xml", "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<zone" +
+                                                        attributes + ">\n<short>Home</short>\n" + elements +
+                                                        "\n</zone>\n");
     }
 
-    std::filesystem::path fRoot;
+    TestFolder fRoot;
 };
 
 TEST_F(FirewallsTest, UfwRulesDecideInTheirOrder) {
@@ -62,24 +52,25 @@ TEST_F(FirewallsTest, UfwRulesDecideInTheirOrder) {
     };
     for (const auto& one : cases) {
         WriteUfw("yes", "DROP", one.rules);
-        EXPECT_EQ(host::IncomingByUfw(kPort, fRoot), one.incoming) << one.rules;
+        EXPECT_EQ(host::IncomingByUfw(kPort, fRoot.Path()), one.incoming) << one.rules;
     }
     WriteUfw("yes", "ACCEPT", start + "reject any 7272" + any);
-    EXPECT_EQ(host::IncomingByUfw(kPort, fRoot), Incoming::kRefused);
+    EXPECT_EQ(host::IncomingByUfw(kPort, fRoot.Path()), Incoming::kRefused);
     WriteUfw("yes", "ACCEPT", "");
-    EXPECT_EQ(host::IncomingByUfw(kPort, fRoot), Incoming::kAllowed);
+    EXPECT_EQ(host::IncomingByUfw(kPort, fRoot.Path()), Incoming::kAllowed);
 }
 
 TEST_F(FirewallsTest, FirewalldZonesOpenPorts) {
-    Write("proc/1/comm", "systemd\n");
-    Write("proc/42/comm", "firewalld\n");
-    Write("etc/firewalld/firewalld.conf", "# zones\nDefaultZone=home\n");
-    Write("usr/lib/firewalld/zones/home.xml", "<zone><port port=\"7272\" protocol=\"tcp\"/></zone>");
-    Write("usr/lib/firewalld/services/inner.xml",
-          "<service><port protocol=\"tcp\" port=\"7272\"/></service>");
-    Write("usr/lib/firewalld/services/outer.xml", "<service><include service=\"inner\"/></service>");
-    Write("usr/lib/firewalld/services/loop.xml", "<service><include service=\"loop\"/></service>");
-    EXPECT_EQ(host::IncomingByFirewalld(kPort, fRoot), Incoming::kAllowed) << "by the zone that came with it";
+    fRoot.Write("proc/1/comm", "systemd\n");
+    fRoot.Write("proc/42/comm", "firewalld\n");
+    fRoot.Write("etc/firewalld/firewalld.conf", "# zones\nDefaultZone=home\n");
+    fRoot.Write("usr/lib/firewalld/zones/home.xml", "<zone><port port=\"7272\" protocol=\"tcp\"/></zone>");
+    fRoot.Write("usr/lib/firewalld/services/inner.xml",
+                "<service><port protocol=\"tcp\" port=\"7272\"/></service>");
+    fRoot.Write("usr/lib/firewalld/services/outer.xml", "<service><include service=\"inner\"/></service>");
+    fRoot.Write("usr/lib/firewalld/services/loop.xml", "<service><include service=\"loop\"/></service>");
+    EXPECT_EQ(host::IncomingByFirewalld(kPort, fRoot.Path()), Incoming::kAllowed)
+        << "by the zone that came with it";
     const struct {
         const char* attributes;
         const char* elements;
@@ -97,28 +88,32 @@ TEST_F(FirewallsTest, FirewalldZonesOpenPorts) {
     };
     for (const auto& one : cases) {
         WriteZone(one.attributes, one.elements);
-        EXPECT_EQ(host::IncomingByFirewalld(kPort, fRoot), one.incoming) << one.attributes << one.elements;
+        EXPECT_EQ(host::IncomingByFirewalld(kPort, fRoot.Path()), one.incoming)
+            << one.attributes << one.elements;
     }
-    Write("etc/firewalld/zones/studio.xml", "<zone target=\"ACCEPT\"></zone>");
-    EXPECT_EQ(host::IncomingByFirewalld(kPort, fRoot), Incoming::kRefused) << "nothing comes to that zone";
-    Write("etc/firewalld/zones/studio.xml", "<zone target=\"ACCEPT\"><interface name=\"eth1\"/></zone>");
-    EXPECT_EQ(host::IncomingByFirewalld(kPort, fRoot), Incoming::kAllowed);
+    fRoot.Write("etc/firewalld/zones/studio.xml", "<zone target=\"ACCEPT\"></zone>");
+    EXPECT_EQ(host::IncomingByFirewalld(kPort, fRoot.Path()), Incoming::kRefused)
+        << "nothing comes to that zone";
+    fRoot.Write("etc/firewalld/zones/studio.xml",
+                "<zone target=\"ACCEPT\"><interface name=\"eth1\"/></zone>");
+    EXPECT_EQ(host::IncomingByFirewalld(kPort, fRoot.Path()), Incoming::kAllowed);
 }
 
 TEST_F(FirewallsTest, PresentsOneStateAndKeepsSilentWhereItIsUnknown) {
     using testing::HasSubstr;
     const std::string off = "<key>globalstate</key><integer>0</integer>";
     const std::string refused = "<key>globalstate</key><integer>2</integer>";
-    EXPECT_THAT(host::FirewallPreferenceText(kPort, fRoot), HasSubstr(off)) << "no firewall at all";
-    Write("proc/42/comm", "firewalld\n");
-    EXPECT_EQ(host::FirewallPreferenceText(kPort, fRoot), "") << "its settings can't be read";
+    EXPECT_THAT(host::FirewallPreferenceText(kPort, fRoot.Path()), HasSubstr(off)) << "no firewall at all";
+    fRoot.Write("proc/42/comm", "firewalld\n");
+    EXPECT_EQ(host::FirewallPreferenceText(kPort, fRoot.Path()), "") << "its settings can't be read";
     WriteUfw("yes", "DROP", "");
-    EXPECT_THAT(host::FirewallPreferenceText(kPort, fRoot), HasSubstr(refused)) << "one of them is enough";
+    EXPECT_THAT(host::FirewallPreferenceText(kPort, fRoot.Path()), HasSubstr(refused))
+        << "one of them is enough";
     std::filesystem::remove_all(fRoot / "proc");
     std::filesystem::remove(fRoot / "etc/ufw/user.rules");
-    EXPECT_EQ(host::FirewallPreferenceText(kPort, fRoot), "");
+    EXPECT_EQ(host::FirewallPreferenceText(kPort, fRoot.Path()), "");
     WriteUfw("no", "DROP", "");
-    EXPECT_THAT(host::FirewallPreferenceText(kPort, fRoot), HasSubstr(off));
+    EXPECT_THAT(host::FirewallPreferenceText(kPort, fRoot.Path()), HasSubstr(off));
 }
 
 } // namespace

@@ -1,62 +1,49 @@
 #include "TcpListeners.h"
 
 #include <arpa/inet.h>
-#include <filesystem>
-#include <fstream>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
 
+#include "TestFolder.h"
+
 namespace {
 
-/// A socket that listens on a free port.
+/// A socket that listens on a free port of the loopback address.
 class Listener {
   public:
-    explicit Listener(int family) : fDescriptor(socket(family, SOCK_STREAM, 0)) { fPort = start(family); }
+    explicit Listener(int family) : fDescriptor(socket(family, SOCK_STREAM, 0)) {
+        sockaddr_in6 address = {}; // Has room for one of the other family.
+        socklen_t size = sizeof address;
+        address.sin6_family = static_cast<sa_family_t>(family);
+        if (family == AF_INET6)
+            address.sin6_addr = in6addr_loopback;
+        else
+            reinterpret_cast<sockaddr_in&>(address).sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        auto* name = reinterpret_cast<sockaddr*>(&address);
+        if (bind(fDescriptor, name, family == AF_INET ? sizeof(sockaddr_in) : size) == 0 &&
+            listen(fDescriptor, 1) == 0 && getsockname(fDescriptor, name, &size) == 0)
+            fPort = ntohs(address.sin6_port); // In the same place in both.
+    }
     ~Listener() { close(fDescriptor); }
     /// 0 if the machine lacks the family.
     int Port() const { return fPort; }
 
   private:
-    int start(int family) const {
-        sockaddr_in6 v6 = {};
-        v6.sin6_family = AF_INET6;
-        v6.sin6_addr = in6addr_loopback;
-        sockaddr_in v4 = {};
-        v4.sin_family = AF_INET;
-        v4.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        auto* address =
-            family == AF_INET ? reinterpret_cast<sockaddr*>(&v4) : reinterpret_cast<sockaddr*>(&v6);
-        socklen_t size = family == AF_INET ? sizeof v4 : sizeof v6;
-        if (bind(fDescriptor, address, size) != 0 || listen(fDescriptor, 1) != 0)
-            return 0;
-        getsockname(fDescriptor, address, &size);
-        return ntohs(family == AF_INET ? v4.sin_port : v6.sin6_port);
-    }
-
     int fDescriptor;
-    int fPort;
+    int fPort = 0;
 };
 
 class TcpListenersTest : public testing::Test {
   protected:
-    TcpListenersTest() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "glasspane-tcp-XXXXXX").string();
-        fFolder = mkdtemp(pattern.data());
-        fFile = fFolder / "listeners";
-    }
-    ~TcpListenersTest() override { std::filesystem::remove_all(fFolder); }
-
     std::string Written(int port) {
-        EXPECT_EQ(host::WriteTCPListeners(port, fFile.string()), 0);
-        std::ifstream file(fFile);
-        return {std::istreambuf_iterator<char>(file), {}};
+        EXPECT_EQ(host::WriteTCPListeners(port, (folder / "listeners").string()), 0);
+        return folder.Read("listeners");
     }
 
-    std::filesystem::path fFolder;
-    std::filesystem::path fFile;
+    TestFolder folder;
 };
 
 TEST_F(TcpListenersTest, FindsListenersOnExactlyThatPort) {
@@ -78,11 +65,12 @@ TEST_F(TcpListenersTest, FindsListenersOnExactlyThatPort) {
 TEST_F(TcpListenersTest, WritesAPrivateFileAndFollowsNoLink) {
     Written(1);
     using std::filesystem::perms;
-    EXPECT_EQ(std::filesystem::status(fFile).permissions(), perms::owner_read | perms::owner_write);
-    const std::string link = (fFolder / "link").string();
+    EXPECT_EQ(std::filesystem::status(folder / "listeners").permissions(),
+              perms::owner_read | perms::owner_write);
+    const std::string link = (folder / "link").string();
     std::filesystem::create_symlink("victim", link);
     EXPECT_EQ(host::WriteTCPListeners(1, link), -1);
-    EXPECT_FALSE(std::filesystem::exists(fFolder / "victim"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "victim"));
 }
 
 } // namespace

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <chrono>
-#include <functional>
 #include <memory>
-#include <thread>
 
 #include <gtest/gtest.h>
 
+#include "Await.h"
 #include "X11Host.h"
 #include "XPainter.h"
 #include "XServer.h"
@@ -51,16 +49,6 @@ class X11Fixture : public testing::Test {
         const uint8_t* bgr =
             image.pixels + static_cast<ptrdiff_t>(y) * image.rowBytes + static_cast<ptrdiff_t>(x) * 4;
         return static_cast<uint32_t>(bgr[2] << 16 | bgr[1] << 8 | bgr[0]);
-    }
-
-    static bool Await(const std::function<bool()>& condition) {
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > limit)
-                return false;
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
-        return true;
     }
 
     /// Gives the screen a mode of another size.

@@ -1,11 +1,10 @@
 #include <atomic>
-#include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <limits>
 #include <sstream>
 #include <unistd.h>
 
+#include "AbsurdAreas.h"
 #include "X11Fixture.h"
 
 using host::X11Transport;
@@ -96,13 +95,8 @@ TEST_F(X11Picture, ShowsTheScreenHoweverItComes) {
 
 TEST_F(X11Picture, IsRefusedForAbsurdAreas) {
     NEED_X11("320x240x24");
-    const double nan = std::nan("");
-    const double infinity = std::numeric_limits<double>::infinity();
-    const host::Rect absurd[] = {{0, 0, 0, 10},           {0, 0, 10, -1},          {nan, 0, 10, 10},
-                                 {0, 0, nan, 10},         {0, 0, infinity, 10},    {-infinity, 0, 10, 10},
-                                 {2147483648.0, 0, 1, 1}, {0, 0, 1, 4294967296.0}, {0, 0, 65535, 65535}};
     host::Image image;
-    for (const host::Rect& area : absurd)
+    for (const host::Rect& area : kAbsurdAreas)
         EXPECT_EQ(Displays().Picture(area, image), -1) << area.x << " " << area.width << " " << area.height;
     EXPECT_EQ(Displays().Picture({0, 0, 10, 10}, image), 0);
 }

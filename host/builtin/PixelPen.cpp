@@ -1,4 +1,4 @@
-#include "Canvas.h"
+#include "PixelPen.h"
 
 #include <cmath>
 #include <cstring>
@@ -7,15 +7,15 @@
 
 namespace host {
 
-Canvas Canvas::Part(const PixelRect& window) const {
-    return Canvas(pixel(window.x, window.y), window.width, window.height, fRowBytes);
+PixelPen PixelPen::Part(const PixelRect& window) const {
+    return PixelPen(pixel(window.x, window.y), window.width, window.height, fRowBytes);
 }
 
-uint8_t* Canvas::pixel(int x, int y) const {
+uint8_t* PixelPen::pixel(int x, int y) const {
     return fPixels + static_cast<ptrdiff_t>(y) * fRowBytes + static_cast<ptrdiff_t>(x) * 4;
 }
 
-void Canvas::Fill(const PixelRect& area, uint32_t colour) {
+void PixelPen::Fill(const PixelRect& area, uint32_t colour) {
     const PixelRect visible = area.Intersection(fBounds);
     if (visible.IsEmpty())
         return;
@@ -29,14 +29,14 @@ void Canvas::Fill(const PixelRect& area, uint32_t colour) {
                     static_cast<size_t>(visible.width) * 4);
 }
 
-void Canvas::Frame(const PixelRect& area, int thickness, uint32_t colour) {
+void PixelPen::Frame(const PixelRect& area, int thickness, uint32_t colour) {
     Fill({area.x, area.y, area.width, thickness}, colour);
     Fill({area.x, area.y + area.height - thickness, area.width, thickness}, colour);
     Fill({area.x, area.y, thickness, area.height}, colour);
     Fill({area.x + area.width - thickness, area.y, thickness, area.height}, colour);
 }
 
-void Canvas::Ring(int centreX, int centreY, double radius, double thickness, uint32_t colour) {
+void PixelPen::Ring(int centreX, int centreY, double radius, double thickness, uint32_t colour) {
     const int reach = static_cast<int>(radius + thickness) + 1;
     for (int y = -reach; y <= reach; ++y) {
         for (int x = -reach; x <= reach; ++x) {
@@ -46,7 +46,7 @@ void Canvas::Ring(int centreX, int centreY, double radius, double thickness, uin
     }
 }
 
-void Canvas::Text(std::string_view text, int x, int y, int scale, uint32_t colour) {
+void PixelPen::Text(std::string_view text, int x, int y, int scale, uint32_t colour) {
     for (const char character : text) {
         const DotFace::Glyph& glyph = DotFace::GlyphOf(character);
         for (int row = 0; row < DotFace::kRows; ++row) {
@@ -59,12 +59,12 @@ void Canvas::Text(std::string_view text, int x, int y, int scale, uint32_t colou
     }
 }
 
-PixelRect Canvas::TextBounds(std::string_view text, int x, int y, int scale) {
+PixelRect PixelPen::TextBounds(std::string_view text, int x, int y, int scale) {
     const int columns = static_cast<int>(text.size()) * DotFace::kAdvance - 1;
     return {x, y, std::max(columns, 0) * scale, DotFace::kRows * scale};
 }
 
-void Canvas::blend(int x, int y, uint32_t colour, double coverage) {
+void PixelPen::blend(int x, int y, uint32_t colour, double coverage) {
     if (coverage <= 0 || x < 0 || y < 0 || x >= fBounds.width || y >= fBounds.height)
         return;
     uint8_t* bytes = pixel(x, y);

@@ -8,17 +8,18 @@
 namespace host {
 
 /// Draws plain shapes into 32-bit pixels (bytes b, g, r, and one undefined) that belong to someone else.
-/// Colours are 0xRRGGBB; places count from the canvas's left top corner. Whatever lies outside is cut off.
-class Canvas {
+/// Colours are 0xRRGGBB; places count from the left top corner of the pixels. Whatever lies outside is cut
+/// off.
+class PixelPen {
   public:
-    Canvas(uint8_t* pixels, int width, int height, int rowBytes)
+    PixelPen(uint8_t* pixels, int width, int height, int rowBytes)
         : fPixels(pixels), fBounds{0, 0, width, height}, fRowBytes(rowBytes) {}
 
     int Width() const { return fBounds.width; }
     int Height() const { return fBounds.height; }
 
-    /// The same pixels seen through a window, which lies within this canvas.
-    Canvas Part(const PixelRect& window) const;
+    /// The same pixels seen through a window, which lies within these.
+    PixelPen Part(const PixelRect& window) const;
 
     void Fill(const PixelRect& area, uint32_t colour);
     /// A frame inside of the rectangle's edges.
