@@ -190,16 +190,23 @@ void add_pipe(CLI::App& program, Client& client) {
             ->add_flag(
                 "--audio-only", [settings](auto) { settings->format.hasPictures = false; }, "No pictures")
             ->excludes(pictures);
+    const auto take_format = [settings](const std::string& name) {
+        if (name == "raw")
+            settings->format.container = MediaFormat::Container::kRaw;
+    };
     command
-        ->add_option(
-            "--format", settings->format.container,
+        ->add_option_function<std::string>(
+            "--format", take_format,
             "nut, or raw: nothing but the pixels at --rate, or the samples (s16le, 44100 Hz, stereo)")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, MediaFormat::Container>{
-            {"nut", MediaFormat::Container::kNut}, {"raw", MediaFormat::Container::kRaw}}))
+        ->check(CLI::IsMember({"nut", "raw"}))
         ->default_str("nut");
-    command->add_option("--pixels", settings->format.pixels, "bgr0, or yuv420p: smaller, less colour")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, MediaFormat::Pixels>{
-            {"bgr0", MediaFormat::Pixels::kBGR0}, {"yuv420p", MediaFormat::Pixels::kYUV420P}}))
+    const auto take_pixels = [settings](const std::string& name) {
+        if (name == "yuv420p")
+            settings->format.pixels = MediaFormat::Pixels::kYUV420P;
+    };
+    command
+        ->add_option_function<std::string>("--pixels", take_pixels, "bgr0, or yuv420p: smaller, less colour")
+        ->check(CLI::IsMember({"bgr0", "yuv420p"}))
         ->default_str("bgr0");
     command->callback([&client, settings, pictures, sound] {
         if (settings->format.container == MediaFormat::Container::kRaw && pictures->empty() && sound->empty())
