@@ -62,6 +62,11 @@ bool MediaOutput::Open(const std::string& path, bool overwrite, std::string& rea
     return fIO;
 }
 
+void MediaOutput::Salvage() {
+    fSalvages = true;
+    fIO->error = 0;
+}
+
 int MediaOutput::Close() {
     if (fIO) {
         avio_flush(fIO);
@@ -85,7 +90,7 @@ int MediaOutput::write(const uint8_t* data, int size) {
         if (count < 0) {
             if (fError == 0)
                 fError = errno;
-            return AVERROR(errno);
+            return fSalvages ? size : AVERROR(errno);
         }
         done += static_cast<int>(count);
         fBytesWritten += static_cast<uint64_t>(count);

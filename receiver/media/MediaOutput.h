@@ -25,6 +25,10 @@ class MediaOutput {
     /// For the muxer; owned by this.
     AVIOContext* IO() const { return fIO; }
 
+    /// After an error: from now on what can't be written is left out, so that a muxer can go back and set the
+    /// head of a file right whose end has no room.
+    void Salvage();
+
     /// Writes what is left and closes. The error as of Error.
     int Close();
 
@@ -42,6 +46,7 @@ class MediaOutput {
     AVIOContext* fIO = nullptr;
     uint64_t fBytesWritten = 0;
     int fError = 0;
+    bool fSalvages = false;
 };
 
 } // namespace receiver

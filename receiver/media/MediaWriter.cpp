@@ -26,14 +26,14 @@ const char* muxer_name(const MediaFormat& format) {
     return format.hasPictures ? "rawvideo" : "s16le";
 }
 
-/// Whatever ends the program, all but the last seconds are in the file, and can be played.
+/// Whatever ends the program, all but the last second is in the file, and can be played.
 AVDictionary* muxer_options(const MediaFormat& format) {
     AVDictionary* options = nullptr;
     if (format.container == MediaFormat::Container::kMatroska)
-        av_dict_set(&options, "cluster_time_limit", "2000", 0); // Milliseconds.
+        av_dict_set(&options, "cluster_time_limit", "1000", 0); // Milliseconds.
     if (format.container == MediaFormat::Container::kMP4) {
         av_dict_set(&options, "movflags", "empty_moov+delay_moov+default_base_moof", 0);
-        av_dict_set(&options, "frag_duration", "2000000", 0); // Microseconds.
+        av_dict_set(&options, "frag_duration", "1000000", 0); // Microseconds.
     }
     return options;
 }
@@ -131,8 +131,8 @@ bool MediaWriter::Close() {
         check(fParts->pictures.Finish());
     if (fFailure.empty() && fParts->format.hasSound)
         check(fParts->sound.Finish());
-    // Without room for more, what is there already can still be set right.
-    fParts->muxer->pb->error = 0;
+    if (!fFailure.empty())
+        fParts->output.Salvage();
     const int error = av_write_trailer(fParts->muxer.get());
     fParts->output.Close();
     return check(error);
