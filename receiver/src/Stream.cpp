@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "zTime.h"
-
 namespace receiver {
 
 namespace {
@@ -137,7 +135,8 @@ bool Stream::note_instance() {
 }
 
 void Stream::note_clocks(bool isContinued) {
-    fMachineDrift.Add(fLast.timestamp, zTime::MicroNow());
+    const auto now = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now().time_since_epoch());
+    fMachineDrift.Add(fLast.timestamp, now.count());
     if (!fLast.sound)
         return;
     fFigures.soundFrames += fLast.sound->FrameCount();

@@ -190,17 +190,6 @@ TEST_F(HttpServerTest, ClosesConnectionsWhoseDescriptorFitsNoSet) {
     EXPECT_EQ(bytes_of(after.Post("after")), echo_reply("/||after"));
 }
 
-TEST(HttpServerStartTest, TellsWhyItCannotListen) {
-    cHttpServer first(0, kReadSize, "127.0.0.1");
-    ASSERT_EQ(first.WaitUntilListening(), 0);
-    cHttpServer second(first.Port(), kReadSize);
-    EXPECT_EQ(second.WaitUntilListening(), zSocket::kAddressInUse);
-    EXPECT_EQ(second.ListenFailure(), "Address already in use");
-    cHttpServer nowhere(0, kReadSize, "256.0.0.1");
-    EXPECT_EQ(nowhere.WaitUntilListening(), zSocket::kUnknownHost);
-    EXPECT_FALSE(nowhere.ListenFailure().empty());
-}
-
 TEST(HttpServerStartTest, StopBeforeTheThreadIsUpIsNotLost) {
     for (int i = 0; i < 50; ++i) {
         const auto start = steady_clock::now();

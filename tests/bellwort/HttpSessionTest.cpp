@@ -16,7 +16,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 constexpr double kPatient = 60; // Seconds.
-constexpr double kShort = 0.2;
+constexpr double kShort = 1;
 
 const std::string kHello = "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nContent-Length: 5\r\n\r\nhello";
 
@@ -113,8 +113,8 @@ TEST(HttpSessionTest, RefusesWhatItCannotAskFor) {
 }
 
 TEST(HttpSessionTest, TimeOutLimitsSilenceOnly) {
-    constexpr int kPieces = 15;
-    constexpr double kLimit = 0.6; // Ten pauses, and less than all of them.
+    constexpr int kPieces = 25;
+    constexpr double kLimit = 2; // Twenty pauses, and less than all of them.
     ScriptedServer server([](const std::string&) {
         return ScriptedServer::Answer{"HTTP/1.0 200 OK\r\n\r\n" + std::string(150, 'x'),
                                       ScriptedServer::kClose, kPieces};

@@ -50,16 +50,6 @@ std::string section_data(cMultipartReader& reader, const Section& section, const
     return {data, static_cast<size_t>(size)};
 }
 
-TEST(MultipartTest, WritesTheMessageByteForByte) {
-    EXPECT_EQ(two_sections(),
-              "MIME-Version: 1.0\r\n"
-              "Content-Type: multipart/related;boundary=MimeBoundary_8923gr836bidfb3i\r\n"
-              "Content-Length: 158\r\n\r\n"
-              "--MimeBoundary_8923gr836bidfb3i\r\n\r\n<xml>\r\n"
-              "--MimeBoundary_8923gr836bidfb3i\r\nContent-Type: image/jpg\r\nContent-ID: <id>\r\n\r\njpg\r\n"
-              "--MimeBoundary_8923gr836bidfb3i--");
-}
-
 TEST(MultipartTest, RoundTripKeepsEverySection) {
     for (unsigned int seed = 1; seed <= 60; ++seed) {
         SCOPED_TRACE(seed);

@@ -26,7 +26,7 @@ class ScriptedServer {
         int pieces = 1; ///< With a pause between them.
     };
     using Script = std::function<Answer(const std::string& request)>;
-    static constexpr auto kPause = std::chrono::milliseconds(60);
+    static constexpr auto kPause = std::chrono::milliseconds(100);
 
     explicit ScriptedServer(Script script)
         : fScript(std::move(script)), fListener(socket(AF_INET, SOCK_STREAM, 0)) {

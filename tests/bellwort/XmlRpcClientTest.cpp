@@ -1,11 +1,9 @@
 #include "cXMLRPC.h"
 
-#include <filesystem>
-#include <fstream>
-
 #include <gmock/gmock.h>
 
 #include "ScriptedServer.h"
+#include "TestFolder.h"
 #include "cLogger.h"
 #include "zBuffer.h"
 #include "zRecord.h"
@@ -23,11 +21,6 @@ const std::string kReply =
 std::string head(const std::string& type, size_t length) {
     return "HTTP/1.1 200 OK\r\nContent-Type: " + type + "\r\nContent-Length: " + std::to_string(length) +
            "\r\n\r\n";
-}
-
-std::string contents_of(const std::string& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 /// What one call gives, and what it found.
@@ -99,11 +92,14 @@ TEST(XmlRpcClientTest, EscapesWhatIsNoASCII) {
 }
 
 TEST(XmlRpcClientTest, LogsWhatTravels) {
-    const std::string path =
-        std::filesystem::temp_directory_path() / ("glasspane-log-" + std::to_string(getpid()));
-    auto* logger = new cLogger(path.c_str(), 12);
-    ScriptedServer server(
-        [&](const std::string&) { return ScriptedServer::Answer{head("a/b", 4) + "text"}; });
+    const TestFolder folder;
+    auto* logger = new cLogger((folder / "log").c_str(), 12);
+    ScriptedServer server([](const std::string&) { return ScriptedServer::Answer{head("a/b", 4) + "text"}; });
+    const auto line = [](const std::string& title) {
+        const std::string half(48 - title.size() / 2, '-');
+        return "\n" + half + title + half + "\n";
+    };
+    const std::string whole(96, '-');
     {
         cXMLRPC client(server.URL().c_str(), 60);
         client.SetLogger(logger);
@@ -111,35 +107,15 @@ TEST(XmlRpcClientTest, LogsWhatTravels) {
         call(client, reply);
         logger->Message("odd", "exact length");
         logger->Error(-14, "late");
-        logger->Separator(nullptr);
+        logger->Close();
+        logger->Message("closed", "silent");
+        EXPECT_EQ(folder.Read("log"), line(" SENT ") + "<?xml versio\n\n... message truncated ....\n" +
+                                          line(" RECEIVED ") + "text" + line("odd") + "exact length" +
+                                          line(" ERROR -14 ") + "late\n" + whole);
+        logger->Start();
         logger->Release();
     }
-    const auto line = [](const std::string& title) {
-        const std::string half(48 - title.size() / 2, '-');
-        return "\n" + half + title + half + "\n";
-    };
-    const std::string whole(96, '-');
-    EXPECT_EQ(contents_of(path), line(" SENT ") + "<?xml versio\n\n... message truncated ....\n" +
-                                     line(" RECEIVED ") + "text" + line("odd") + "exact length" +
-                                     line(" ERROR -14 ") + "late\n" + whole + "\n\n" + whole)
-        << "the session's reference was the last";
-    std::filesystem::remove(path);
-}
-
-TEST(LoggerTest, StartsAnewAndIsSilentWhenClosed) {
-    const std::string path =
-        std::filesystem::temp_directory_path() / ("glasspane-log-" + std::to_string(getpid()));
-    auto* logger = new cLogger(path.c_str(), 100);
-    logger->Message("one", "text");
-    logger->Start();
-    logger->Close();
-    logger->Message("two", "text");
-    logger->Close();
-    EXPECT_EQ(contents_of(logger->FilePath()), "\n" + std::string(96, '-'));
-    EXPECT_EQ(logger->RemoveFile(), 0);
-    EXPECT_FALSE(std::filesystem::exists(path));
-    logger->Release();
-    (new cLogger("/nowhere/log", 1))->Release();
+    EXPECT_EQ(folder.Read("log"), "\n" + whole) << "anew, and the session's reference was the last";
 }
 
 } // namespace

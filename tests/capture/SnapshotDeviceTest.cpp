@@ -75,22 +75,6 @@ TEST_F(SnapshotDeviceTest, AbsurdCropsFailWithoutHarm) {
     device.Close();
 }
 
-TEST_F(SnapshotDeviceTest, ReplacesAnothersBufferAndReusesItsOwn) {
-    vnSnapshot_cg device(1);
-    device.Open();
-    auto* foreign = new vnSnapBuff_mouse;
-    foreign->AddRef();
-    buffer = foreign;
-    ASSERT_EQ(device.Grab(&buffer, zRect(), nullptr), 0);
-    EXPECT_NE(buffer, foreign);
-    EXPECT_EQ(foreign->Release(), 0) << "the caller's reference is gone";
-
-    const uint8_t* store = buffer->Data();
-    ASSERT_EQ(device.Grab(&buffer, zRect(), nullptr), 0);
-    EXPECT_EQ(buffer->Data(), store);
-    device.Close();
-}
-
 class PointerTest : public SnapshotDeviceTest {
   protected:
     PointerTest() {

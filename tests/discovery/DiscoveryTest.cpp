@@ -8,6 +8,7 @@
 
 #include "BuiltinHost.h"
 #include "DiscoveryDaemon.h"
+#include "SkipOrFail.h"
 #include "cBonjour.h"
 #include "zObserver.h"
 #include "zObserverHandler.h"
@@ -39,11 +40,8 @@ class DiscoveryTest : public testing::Test {
     void SetUp() override {
         static DiscoveryDaemon daemon;
         static const bool isUp = daemon.Start();
-        if (!isUp) {
-            if (getenv("CI"))
-                FAIL() << daemon.WhyNot();
-            GTEST_SKIP() << daemon.WhyNot();
-        }
+        if (!isUp)
+            SKIP_OR_FAIL(daemon.WhyNot());
         fDaemon = &daemon;
     }
 

@@ -68,11 +68,4 @@ TEST_F(BuiltinAudio, ClicksAtEachWholeSecondBetweenTones) {
     EXPECT_LT(ToneMeter(samples, 2, 0, kRate).WorstBreak(1000), 0.0001);
 }
 
-TEST_F(BuiltinAudio, LosesTheOldestWhenNobodyDrains) {
-    OpenAt(0);
-    clock.microseconds = 10 * kSecond;
-    EXPECT_EQ(Drain().size(), 2U * kRate);
-    EXPECT_EQ(tap->DroppedBlocks(), 900U);
-}
-
 } // namespace

@@ -7,8 +7,6 @@
 #include <gtest/gtest.h>
 #include <turbojpeg.h>
 
-#include "Allocations.h"
-
 namespace {
 
 struct Picture {
@@ -132,30 +130,6 @@ TEST(JpegExporter, LeavesTheBlockAsItWasWhenItFails) {
     exporter->SetInputPixels(pixels.data());
     EXPECT_EQ(exporter->Export(), -1);
     EXPECT_EQ(std::vector<uint8_t>(block->Data(), block->Data() + block->Size()), before);
-}
-
-TEST(JpegExporter, AllocatesNothingInTheSteadyState) {
-    const auto pixels = gradient(320, 240, 1280);
-    const auto small = host::NewJpegExporter(16, 16, 1280);
-    const auto large = host::NewJpegExporter(320, 240, 1280);
-    const auto block = host::NewJpegBlock();
-    const auto export_once = [&](host::PictureExporter& exporter) {
-        exporter.SetOutput(*block);
-        exporter.SetInputPixels(pixels.data());
-        return exporter.Export();
-    };
-    ASSERT_EQ(export_once(*large), 0);
-    const uint8_t* const room = block->Data();
-    const size_t largeSize = block->Size();
-    const size_t allocations = AllocationsSoFar();
-    for (int i = 0; i < 5; ++i) {
-        ASSERT_EQ(export_once(*small), 0);
-        EXPECT_LT(block->Size(), largeSize);
-        ASSERT_EQ(export_once(*large), 0);
-        EXPECT_EQ(block->Size(), largeSize);
-    }
-    EXPECT_EQ(AllocationsSoFar(), allocations);
-    EXPECT_EQ(block->Data(), room);
 }
 
 } // namespace

@@ -1,13 +1,10 @@
 #include "PosixRunLoop.h"
 
 #include <chrono>
-#include <csignal>
 #include <thread>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
-
-#include "PosixClock.h"
 
 namespace {
 
@@ -52,26 +49,6 @@ TEST(PosixRunLoop, ReturnsAtOnceAfterAStopThatCameFirst) {
     pipe.Write();
     loop.Run();
     EXPECT_TRUE(called);
-}
-
-host::PosixRunLoop* gLoop = nullptr;
-
-TEST(PosixRunLoop, StopsFromASignalHandler) {
-    host::PosixRunLoop loop;
-    gLoop = &loop;
-    struct sigaction action = {};
-    struct sigaction before = {};
-    action.sa_handler = [](int) { gLoop->Stop(); };
-    sigaction(SIGUSR1, &action, &before);
-    const pthread_t main = pthread_self();
-    Pipe pipe;
-    loop.AddDescriptor(pipe.Reader(), [&] {
-        pipe.Take();
-        pthread_kill(main, SIGUSR1);
-    });
-    pipe.Write();
-    loop.Run();
-    sigaction(SIGUSR1, &before, nullptr);
 }
 
 TEST(PosixRunLoop, LetsACallRemoveItselfAndOthers) {
@@ -149,17 +126,6 @@ TEST(PosixRunLoop, PerformsOtherThreadsWorkUntilItRefuses) {
     loop.RefuseWork();
     waiting.join();
     EXPECT_EQ(performed, 1 + 4 * 51);
-}
-
-TEST(PosixClock, GoesOnInMicroseconds) {
-    host::PosixClock clock;
-    const int64_t before = clock.MicrosecondsSinceBoot();
-    const int64_t after = clock.MicrosecondsSinceBoot();
-    EXPECT_GT(before, 0);
-    EXPECT_GE(after, before);
-    EXPECT_LT(after - before, 5'000'000);
-    const auto ticks = static_cast<double>(clock.Ticks());
-    EXPECT_NEAR(ticks, static_cast<double>(static_cast<uint32_t>(after * 60 / 1'000'000)), 300);
 }
 
 } // namespace

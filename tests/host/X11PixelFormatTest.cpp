@@ -83,11 +83,4 @@ TEST(X11PixelFormat, PadsRows) {
     EXPECT_EQ(X11PixelFormat({32, 32, false, 0xFF0000, 0xFF00, 0xFF}).RowBytes(32767), 131068U);
 }
 
-TEST(X11PixelFormat, RefusesWhatIsNoTrueColour) {
-    EXPECT_FALSE(X11PixelFormat({}).IsSupported());
-    EXPECT_FALSE(X11PixelFormat({8, 32, false, 0xE0, 0x1C, 0x3}).IsSupported());
-    EXPECT_FALSE(X11PixelFormat({32, 32, false, 0xFF0000, 0, 0xFF}).IsSupported());
-    EXPECT_FALSE(X11PixelFormat({32, 0, false, 0xFF0000, 0xFF00, 0xFF}).IsSupported());
-}
-
 } // namespace

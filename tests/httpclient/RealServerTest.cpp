@@ -1,14 +1,14 @@
 // The client against a server that nobody here wrote: the ordinary cases, kept connections, authentication.
 
-#include <filesystem>
-#include <fstream>
-
 #include <gmock/gmock.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "Await.h"
 #include "Program.h"
+#include "SkipOrFail.h"
+#include "TestFolder.h"
 #include "cHttpSession.h"
 #include "zBuffer.h"
 
@@ -31,38 +31,25 @@ int free_port() {
 class Apache {
   public:
     Apache() : fPort(free_port()) {
-        std::string pattern = (std::filesystem::temp_directory_path() / "glasspane-httpd-XXXXXX").string();
-        fFolder = mkdtemp(pattern.data());
-        std::filesystem::permissions(fFolder, std::filesystem::perms(0755)); // For its unprivileged children.
-        std::filesystem::create_directories(fFolder / "www/secret");
-        std::ofstream(fFolder / "www/large.bin") << std::string(kLarge, 'x');
-        std::ofstream(fFolder / "www/secret/index.html") << "known";
-        // The SHA-1 of "pass".
-        std::ofstream(fFolder / "users") << "user:{SHA}nU4eI71bcnBGqeO0t9tXvY1u5oQ=\n";
+        std::filesystem::permissions(fFolder.Path(), std::filesystem::perms(0755)); // For its own user.
+        fFolder.Write("www/large.bin", std::string(kLarge, 'x'));
+        fFolder.Write("www/secret/index.html", "known");
+        fFolder.Write("users", "user:{SHA}nU4eI71bcnBGqeO0t9tXvY1u5oQ=\n"); // The SHA-1 of "pass".
         write_configuration();
         fProgram = std::make_unique<Program>(
-            std::vector<std::string>{"setpriv", "--pdeathsig", "KILL", "/usr/sbin/apache2", "-DFOREGROUND",
-                                     "-f", (fFolder / "httpd.conf").string()});
+            ServerCommand("/usr/sbin/apache2 -DFOREGROUND -f " + (fFolder / "httpd.conf").string()));
     }
     ~Apache() {
         fProgram->Signal(SIGTERM);
         fProgram->WaitForExit();
-        std::filesystem::remove_all(fFolder);
     }
 
     std::string URL(const std::string& path) const {
         return "http://127.0.0.1:" + std::to_string(fPort) + path;
     }
-    /// A line for each request but those not found, in no sure order between two connections: how many came
-    /// before it on its connection, status, and user.
-    std::string Log() const {
-        std::ifstream file(fFolder / "access");
-        std::string log;
-        for (std::string line; std::getline(file, line);)
-            if (line.find(" 404 ") == std::string::npos)
-                log += line + '\n';
-        return log;
-    }
+    /// A line for each request but those not found, as there is no sure order between two connections: how
+    /// many came before it on its connection, status, and user.
+    std::string Log() const { return fFolder.Read("access"); }
 
     static constexpr size_t kLarge = 3 << 20;
 
@@ -72,16 +59,17 @@ class Apache {
         for (const char* module : {"mpm_event", "authn_core", "authn_file", "authz_core", "authz_user",
                                    "auth_basic", "mime", "dir"})
             file << "LoadModule " << module << "_module /usr/lib/apache2/modules/mod_" << module << ".so\n";
-        file << "Define folder " << fFolder.string() << "\nListen 127.0.0.1:" << fPort
+        file << "Define folder " << fFolder.Path().string() << "\nListen 127.0.0.1:" << fPort
              << "\nServerName localhost\nUser www-data\nGroup www-data\nServerRoot ${folder}\n"
                 "DefaultRuntimeDir ${folder}\nPidFile ${folder}/pid\nErrorLog ${folder}/error\n"
                 "DocumentRoot ${folder}/www\nTypesConfig /dev/null\nAddType text/html .html\n"
-                "LogFormat \"%k %>s %u\" brief\nCustomLog ${folder}/access brief\nKeepAlive On\n"
+                "LogFormat \"%k %>s %u\" brief\nCustomLog ${folder}/access brief \"expr=%{REQUEST_STATUS} != "
+                "'404'\"\nKeepAlive On\n"
                 "<Directory ${folder}/www/secret>\nAuthType Basic\nAuthName test\n"
                 "AuthUserFile ${folder}/users\nRequire valid-user\n</Directory>\n";
     }
 
-    std::filesystem::path fFolder;
+    TestFolder fFolder;
     int fPort;
     std::unique_ptr<Program> fProgram;
 };
@@ -98,16 +86,14 @@ int get(cHttpSession& session, const std::string& url, zBuffer& response) {
 
 TEST(RealServerTest, OrdinaryRequestsOnOneConnection) {
     if (!std::filesystem::exists("/usr/sbin/apache2")) {
-        if (getenv("CI"))
-            FAIL() << "apache2-bin is not installed";
-        GTEST_SKIP() << "apache2-bin is not installed";
+        SKIP_OR_FAIL("apache2-bin is not installed");
     }
     const Apache server;
     zBuffer response;
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (get(*std::unique_ptr<cHttpSession>(cHttpSession::Factory()), server.URL("/none"), response) !=
-           -29404)
-        ASSERT_LT(std::chrono::steady_clock::now(), end) << "it doesn't come up";
+    ASSERT_TRUE(Await([&] {
+        const std::unique_ptr<cHttpSession> visitor(cHttpSession::Factory());
+        return get(*visitor, server.URL("/none"), response) == -29404;
+    })) << "it doesn't come up";
 
     const std::unique_ptr<cHttpSession> session(cHttpSession::Factory());
     EXPECT_EQ(get(*session, server.URL("/large.bin"), response), 0);
@@ -127,8 +113,7 @@ TEST(RealServerTest, OrdinaryRequestsOnOneConnection) {
     EXPECT_STREQ(type, "text/html");
 
     const std::string requests = "0 200 -\n1 401 -\n2 401 user\n3 301 user\n4 200 user\n";
-    while (server.Log().find(requests) == std::string::npos)
-        ASSERT_LT(std::chrono::steady_clock::now(), end + std::chrono::seconds(20)) << server.Log();
+    EXPECT_TRUE(Await([&] { return server.Log().find(requests) != std::string::npos; })) << server.Log();
 }
 
 } // namespace

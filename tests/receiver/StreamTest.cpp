@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 
-#include "BuiltinHost.h"
 #include "Interruption.h"
 #include "Jpeg.h"
 #include "RealReply.h"
@@ -58,8 +57,6 @@ class StreamTest : public testing::Test {
         return canvas.IsEmpty() || x >= canvas.Width() || y >= canvas.Height() ? -1 : canvas.Row(y)[x * 4];
     }
 
-    host::BuiltinHost host;
-    const host::HostScope scope{host};
     Interruption interruption;
     Connection::Limits limits;
     std::mutex mutex;

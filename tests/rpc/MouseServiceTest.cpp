@@ -1,25 +1,10 @@
-#include <memory>
-
-#include <gtest/gtest.h>
-
-#include "FakeHost.h"
-#include "vnRPC_SnapshotMouse.h"
-#include "vnSnapshotBuffer.h"
-#include "vnSnapshot_cg.h"
-#include "zCritical.h"
-#include "zRecord.h"
-#include "zXMLRPC.h"
+#include "ServiceFixture.h"
 
 namespace {
 
-constexpr uint32_t kInstance = 4000000000U;
-
-class MouseServiceTest : public testing::Test {
+class MouseServiceTest : public ServiceFixture {
   protected:
-    ~MouseServiceTest() override {
-        attachments.RemoveAndReleaseAll();
-        service->Release();
-    }
+    MouseServiceTest() : ServiceFixture({{0, 0, 64, 48}}) {}
 
     /// The number of a shape of this size whose every byte is \p value; 0 if there was none.
     uint32_t Look(int width, int height, uint8_t value) {
@@ -28,26 +13,14 @@ class MouseServiceTest : public testing::Test {
         machine.pointerPixels.assign(static_cast<size_t>(width) * static_cast<size_t>(height) * 4, value);
         zPoint location;
         uint32_t id = 0;
-        return service->MouseInfo(location, id) == 0 ? id : 0;
+        return mouse->MouseInfo(location, id) == 0 ? id : 0;
     }
 
     int Ask(uint32_t id) {
         zRecord parameters;
-        zRecord request;
         parameters.SetUInt32("mouse_id", id);
-        zXMLRPC(request).SetMethod("SnapshotMouse");
-        zXMLRPC(request).AppendStructParam(parameters);
-        return service->RPC_ExecuteMethod("snapshotmouse", request, reply, multipart, attachments);
+        return Execute(*mouse, "snapshotmouse", parameters);
     }
-
-    FakeHost machine;
-    host::HostScope scope{machine};
-    std::unique_ptr<zCritical> lock{zCritical::Factory(1)};
-    vnSnapshot_cg device{1};
-    vnRPC_SnapshotMouse* service = new vnRPC_SnapshotMouse(lock.get(), &device, kInstance);
-    zRecord reply;
-    zRecord multipart;
-    zList<cBuffer*> attachments;
 };
 
 TEST_F(MouseServiceTest, NumbersShapesByTheirPixels) {
@@ -66,7 +39,7 @@ TEST_F(MouseServiceTest, AHiddenPointerChangesNothing) {
     machine.pointerVisible = false;
     zPoint location(7, 8);
     uint32_t id = 99;
-    EXPECT_EQ(service->MouseInfo(location, id), -1);
+    EXPECT_EQ(mouse->MouseInfo(location, id), -1);
     EXPECT_EQ(location, zPoint(7, 8));
     EXPECT_EQ(id, 99U);
     EXPECT_EQ(Ask(1), -1);
@@ -81,24 +54,9 @@ TEST_F(MouseServiceTest, HandsOutAShapeWithItsDescription) {
     Look(5, 3, 200);
     ASSERT_EQ(Ask(2), 0);
 
-    const char* const names[] = {"instance",   "width",          "height",      "rowbytes",
-                                 "colorspace", "section_rect_1", "mouse_shape", "error"};
-    const char* const values[] = {"4000000000",         "5", "3", "20", "1650946657", "0,0,4,2",
-                                  "cid:id_mouse_shape", "0"};
-    unsigned int position = 0;
-    for (unsigned int i = 0; i < reply.VariableCount(); ++i) {
-        if (reply.VariableID(i) == zRecord::kXMLTag)
-            continue;
-        ASSERT_LT(position, std::size(names));
-        EXPECT_STREQ(reply.VariableName(i), names[position]);
-        EXPECT_STREQ(reply.AsCString(reply.VariableID(i), ""), values[position]);
-        ++position;
-    }
-    EXPECT_EQ(position, std::size(names));
-    ASSERT_EQ(multipart.ChildCount(), 1U);
-    EXPECT_STREQ(multipart.Child(0)->AsCString("Content-Type", ""), "application/cursor-binary");
-    EXPECT_STREQ(multipart.Child(0)->AsCString("Content-ID", ""), "<id_mouse_shape>");
-    EXPECT_EQ(multipart.Child(0)->AsInt32("__data_size", 0), 60);
+    EXPECT_EQ(ReplyXML(), "<response instance=\"4000000000\" width=\"5\" height=\"3\" rowbytes=\"20\" "
+                          "colorspace=\"1650946657\" section_rect_1=\"0,0,4,2\" "
+                          "mouse_shape=\"cid:id_mouse_shape\" error=\"0\" />\n");
     ASSERT_EQ(attachments.Count(), 1U);
     EXPECT_EQ(attachments[0]->Data()[59], 200);
 }
@@ -110,9 +68,6 @@ TEST_F(MouseServiceTest, AnUnknownNumberFails) {
         EXPECT_EQ(reply.AsInt32("error", 0), -1);
         EXPECT_EQ(attachments.Count(), 0U);
     }
-    EXPECT_FALSE(service->RPC_ImplementsMethod(nullptr));
-    EXPECT_FALSE(service->RPC_ImplementsMethod(""));
-    EXPECT_TRUE(service->RPC_ImplementsMethod("SNAPSHOTMOUSE"));
 }
 
 } // namespace

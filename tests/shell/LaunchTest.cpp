@@ -13,7 +13,6 @@ class LaunchTest : public ShellTest {
             titles.push_back(alert.title);
         return titles;
     }
-    vnMenuItem DriverItem() { return interface.MainMenu()[0].submenu[2]; }
 };
 
 /// A controller whose port is a fixed one, which the probe asks for.
@@ -23,8 +22,6 @@ TEST_F(LaunchTest, AsksWhetherToEndWhenThePortIsTaken) {
     interface.answer = true;
     EXPECT_FALSE(taken.applicationDidFinishLaunching());
     EXPECT_THAT(AlertTitles(), ElementsAre("vn_gsp_running_title"));
-    EXPECT_EQ(interface.alerts[0].defaultButton, "vn_yes_button");
-    EXPECT_EQ(interface.alerts[0].alternateButton, "vn_no_button");
     EXPECT_EQ(taken.Server(), nullptr);
     EXPECT_EQ(interface.panelsShown, 0);
     EXPECT_TRUE(machine.stopped);
@@ -33,79 +30,42 @@ TEST_F(LaunchTest, AsksWhetherToEndWhenThePortIsTaken) {
     vnController goesOn(interface, {.port = 1, .bindAddress = "127.0.0.1"});
     EXPECT_TRUE(goesOn.applicationDidFinishLaunching()) << "the user wants it all the same";
     EXPECT_EQ(interface.panelsShown, 1);
-    machine.isListening = false;
-    interface.alerts.clear();
-    vnController alone(interface, {.port = 1, .bindAddress = "127.0.0.1"});
-    EXPECT_TRUE(alone.applicationDidFinishLaunching());
-    EXPECT_THAT(AlertTitles(), ElementsAre());
 }
 
 TEST_F(LaunchTest, WarnsOfAFirewall) {
     machine.isFirewalled = true;
     Launch();
     EXPECT_THAT(AlertTitles(), ElementsAre("vn_firewall_title"));
-    EXPECT_EQ(interface.alerts[0].alternateButton, "");
 }
 
-TEST_F(LaunchTest, OffersTheDriverThatCameWithTheProgram) {
-    machine.hasDriver = false;
-    machine.resources["AudioDriverForGlasspane.pkg"] = "/older.pkg";
-    interface.answer = true;
-    Launch();
-    EXPECT_THAT(AlertTitles(), ElementsAre("vn_audio_driver_title"));
-    EXPECT_FALSE(State(captureAudio).on);
-    EXPECT_THAT(machine.opened, ElementsAre("/older.pkg"));
-    machine.resources["MerrowfieldAudio.pkg"] = "/newer.pkg";
-    controller.installAudioDriverMessage();
-    EXPECT_EQ(machine.opened.back(), "/newer.pkg");
-    machine.opens = false;
-    EXPECT_FALSE(controller.launchKEXTInstaller());
-}
-
-TEST_F(LaunchTest, OffersNoDriverWithoutAnInstallerButAtTheCheckBox) {
-    machine.hasDriver = false;
-    Launch();
-    EXPECT_THAT(AlertTitles(), ElementsAre());
-    EXPECT_TRUE(State(captureAudio).on);
-    interface.answer = true;
-    panel().Switch(captureAudio);
-    EXPECT_THAT(AlertTitles(), ElementsAre("vn_audio_driver_title"));
-    EXPECT_FALSE(State(captureAudio).on);
-    EXPECT_FALSE(controller.Front().AudioIsEnabled());
-    EXPECT_THAT(machine.opened, ElementsAre());
-}
-
-TEST_F(LaunchTest, LeavesSoundOutWhereThePackagerSaysSo) {
-    machine.info["DisableAudioFeatures"] = 1;
-    machine.hasDriver = false;
-    machine.resources["MerrowfieldAudio.pkg"] = "/driver.pkg";
-    Launch();
-    EXPECT_TRUE(State(captureAudio).hidden);
-    EXPECT_TRUE(State(captureAudioDivider).hidden);
-    EXPECT_THAT(AlertTitles(), ElementsAre());
-}
-
-TEST_F(LaunchTest, NamesTheDriversStateInTheMainMenu) {
-    Launch();
+TEST_F(LaunchTest, OffersTheDriverWhereItIsMissingAndCameWithTheProgram) {
     const struct {
-        bool installed, installer;
-        const char* title;
-        bool enabled;
-    } kCases[] = {{true, false, "vn_audio_state_2", false},
-                  {true, true, "vn_audio_state_2", false},
-                  {false, true, "vn_audio_state_4", true},
-                  {false, false, "vn_audio_state_3", false}};
-    for (const auto& c : kCases) {
-        machine.hasDriver = c.installed;
-        machine.resources["MerrowfieldAudio.pkg"] = c.installer ? "/driver.pkg" : "";
-        vnMenuItem item = DriverItem();
+        bool installed, leftOut, installer;
+        bool isOffered;
+        const char* menuTitle;
+    } cases[] = {{true, false, true, false, "vn_audio_state_2"},
+                 {false, false, true, true, "vn_audio_state_4"},
+                 {false, false, false, false, "vn_audio_state_3"},
+                 {false, true, true, false, "vn_audio_state_4"}};
+    interface.answer = true;
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.menuTitle);
+        machine.hasDriver = one.installed;
+        machine.info["DisableAudioFeatures"] = one.leftOut;
+        machine.resources["MerrowfieldAudio.pkg"] = one.installer ? "/driver.pkg" : "";
+        machine.opened.clear();
+        interface.alerts.clear();
+        vnController launched(interface, {.port = 0, .bindAddress = "127.0.0.1"});
+        ASSERT_TRUE(launched.applicationDidFinishLaunching());
+        using Texts = std::vector<std::string>;
+        EXPECT_EQ(AlertTitles(), one.isOffered ? Texts{"vn_audio_driver_title"} : Texts{});
+        EXPECT_EQ(machine.opened, one.isOffered ? Texts{"/driver.pkg"} : Texts{});
+        EXPECT_EQ(State(captureAudio).hidden, one.leftOut);
+        vnMenuItem item = interface.MainMenu()[0].submenu[2];
         interface.ValidateMainMenuItem(item);
-        EXPECT_EQ(item.title, c.title);
-        EXPECT_EQ(item.enabled, c.enabled) << c.title;
+        EXPECT_EQ(item.title, one.menuTitle);
+        EXPECT_EQ(item.enabled, !one.installed && one.installer);
     }
-    EXPECT_EQ(DriverItem().tag, vnController::kAudioDriverTag);
-    EXPECT_EQ(interface.MainMenu()[0].submenu[10].title, "vn_menu_quit_glasspane");
-    EXPECT_EQ(interface.MainMenu()[2].submenu[3].title, "vn_menu_to_front");
 }
 
 TEST_F(LaunchTest, ServesWithoutDisplaysAndWindows) {

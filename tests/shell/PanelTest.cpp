@@ -17,48 +17,6 @@ class PanelTest : public ShellTest {
     PanelTest() { Launch(); }
 };
 
-TEST_F(PanelTest, ShowsAfterTheLaunchWhatIsServed) {
-    EXPECT_THAT(Titles(fDevicePopup),
-                ElementsAre("vn_display_number", "vn_display_number", "-", "vn_window"));
-    EXPECT_THAT(Titles(fSelectPopup),
-                ElementsAre("vn_full_screen", "vn_select_screen_region", "vn_800x600_centered",
-                            "vn_320x240_centered", "vn_custom_centered"));
-    EXPECT_EQ(State(fDevicePopup).selected, 0);
-    EXPECT_EQ(State(fSelectPopup).selected, kFullScreen);
-    EXPECT_EQ(State(muteButton).text, "vn_pause");
-    EXPECT_EQ(State(widthTextField).text, "64");
-    EXPECT_THAT(State(addrTextField).text, testing::StartsWith("vn_network_address_label "));
-    EXPECT_TRUE(State(captureVideo).hidden) << "the label states that video is captured";
-    EXPECT_FALSE(State(captureVideoLabel).hidden);
-    EXPECT_EQ(Picture(), "0,0,64x48");
-    EXPECT_EQ(interface.panelsShown, 1);
-}
-
-TEST_F(PanelTest, TakesTheShapeOfTheSource) {
-    const struct {
-        const char* what;
-        vnControl popup;
-        int item;
-        bool hasWindowPopup, hasSizeFields, hasRegionButton;
-        int extraHeight;
-    } kSteps[] = {
-        {"region", fSelectPopup, kRegion, false, false, true, 30},
-        {"custom size: one row goes, another comes", fSelectPopup, kCustom, false, true, false, 30},
-        {"the same shape again", fSelectPopup, kCustom, false, true, false, 30},
-        {"full screen", fSelectPopup, kFullScreen, false, false, false, 0},
-        {"windows", fDevicePopup, kWindowItem, true, false, false, 30},
-        {"the other display", fDevicePopup, 1, false, false, false, 0},
-    };
-    for (const auto& step : kSteps) {
-        panel().Choose(step.popup, step.item);
-        EXPECT_EQ(!State(fWindowPopup).hidden, step.hasWindowPopup) << step.what;
-        EXPECT_EQ(!State(windowTextField).hidden, step.hasWindowPopup) << step.what;
-        EXPECT_EQ(!State(heightTextField).hidden, step.hasSizeFields) << step.what;
-        EXPECT_EQ(!State(selectRegionButton).hidden, step.hasRegionButton) << step.what;
-        EXPECT_EQ(panel().ExtraHeight(), step.extraHeight) << step.what;
-    }
-}
-
 TEST_F(PanelTest, LimitsTypedSizesToTheDisplay) {
     panel().Choose(fSelectPopup, kCustom);
     const struct {
@@ -118,34 +76,6 @@ TEST_F(PanelTest, ChoosesWindowsByApplication) {
     panel().Choose(fDevicePopup, 0);
     EXPECT_FALSE(IsOnWindow());
     EXPECT_EQ(State(selectTextField).text, "vn_selection_label");
-}
-
-TEST_F(PanelTest, OffersNoWindowsWhereThereAreNone) {
-    machine.applications.clear();
-    panel().Choose(fDevicePopup, kWindowItem);
-    EXPECT_TRUE(IsOnWindow());
-    EXPECT_THAT(Titles(fSelectPopup), ElementsAre());
-    EXPECT_THAT(Titles(fWindowPopup), ElementsAre());
-}
-
-TEST_F(PanelTest, PausesAndResumes) {
-    panel().Choose(fSelectPopup, kRegion);
-    panel().Press(muteButton);
-    EXPECT_TRUE(controller.Front().IsPaused());
-    EXPECT_EQ(State(muteButton).text, "vn_resume");
-    for (const vnControl control :
-         {fDevicePopup, fSelectPopup, widthTextField, selectRegionButton, captureAudio})
-        EXPECT_FALSE(State(control).enabled) << static_cast<int>(control);
-    panel().Choose(fDevicePopup, 1);
-    EXPECT_EQ(controller.Front().CurrentDeviceIndex(), 0) << "disabled";
-
-    interface.OpenStatusMenu();
-    interface.ChooseFromStatusMenu(2, 1);
-    EXPECT_EQ(Picture(), "50,8,40x30") << "the status menu goes on working";
-
-    panel().Press(muteButton);
-    EXPECT_FALSE(controller.Front().IsPaused());
-    EXPECT_TRUE(State(fDevicePopup).enabled);
 }
 
 TEST_F(PanelTest, KeepsOneOfVideoAndAudioOn) {

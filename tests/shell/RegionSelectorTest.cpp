@@ -82,19 +82,6 @@ TEST_F(RegionSelectorTest, FadesInAndOutInThirtyTicksEach) {
     EXPECT_EQ(machine.TimerCount(), 0U);
 }
 
-TEST_F(RegionSelectorTest, IsShownAgainWhileItFadesOut) {
-    machine.Tick(30);
-    view.CancelOperation();
-    EXPECT_TRUE(selector.GetSelectionWasCancelled());
-    EXPECT_THAT(completed, ElementsAre(host::Rect{}));
-    machine.Tick(10);
-    selector.Show();
-    machine.Tick(60);
-    EXPECT_TRUE(interface.notes.exists);
-    EXPECT_EQ(interface.notes.alphas.back(), 1);
-    EXPECT_EQ(view.Selection(), (host::Rect{100, 100, 200, 150}));
-}
-
 TEST_F(RegionSelectorTest, HasEightHandlesAndTheirCursors) {
     const struct {
         host::Point place;
@@ -153,30 +140,6 @@ TEST_F(RegionSelectorTest, DragsWithinTheDisplay) {
     EXPECT_EQ(interface.notes.cursor, vnCursor::kClosedHand);
     view.MouseUp();
     EXPECT_EQ(interface.notes.cursor, vnCursor::kOpenHand);
-}
-
-TEST_F(RegionSelectorTest, DrawsInItsOrder) {
-    struct Canvas : vnCanvas {
-        std::vector<std::string> drawn;
-        double dimmed = 0; // pixels
-        void FillRect(const host::Rect& rect, double white, double alpha) override {
-            drawn.push_back("fill " + std::to_string(static_cast<int>(white * 10 + alpha * 10)));
-            dimmed += alpha == 0.7 ? rect.width * rect.height : 0;
-        }
-        void DrawDottedFrame(const host::Rect&) override { drawn.push_back("frame"); }
-        void DrawImage(const char* name, const host::Point&) override { drawn.push_back(name); }
-        void DrawLabel(const host::Rect& rect, const char* text, double) override {
-            drawn.push_back(text);
-            EXPECT_EQ(rect.width, 310);
-            EXPECT_EQ(rect.height, 40);
-        }
-    } canvas;
-    view.MouseMoved({300, 175});
-    view.Draw(canvas);
-    EXPECT_THAT(canvas.drawn,
-                ElementsAre("fill 11", "fill 7", "fill 7", "fill 7", "fill 7", "frame", "knob", "knobDown",
-                            "knob", "knob", "knob", "knob", "knob", "knob", "fill 10", "the hint"));
-    EXPECT_EQ(canvas.dimmed, 640 * 480 - 200 * 150);
 }
 
 } // namespace

@@ -3,17 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
-#include <unistd.h>
-
 #include "FakeHost.h"
+#include "FakeWindows.h"
 #include "TestClient.h"
+#include "TestFolder.h"
 #include "cHttpServer.h"
 #include "vnConfigurableSnapshot.h"
 #include "vnController.h"
@@ -22,46 +20,31 @@
 #include "vnUserInterface.h"
 #include "zRecord.h"
 
-/// A machine with a desktop that a test scripts: applications with windows, resources, a firewall, sockets
-/// that listen, and timers that the test fires. By default two displays side by side, the right one lower.
-class FakeDesk : public FakeHost,
-                 private host::WindowServer,
-                 private host::Desktop,
-                 private host::AudioDriver {
+/// A machine with a desktop that a test scripts: windows, resources, a firewall, sockets that listen, and
+/// timers that the test fires. By default two displays side by side, the right one lower.
+class FakeDesk : public FakeHost, public FakeWindows, private host::Desktop, private host::AudioDriver {
   public:
-    struct Window {
-        host::WindowId id;
-        std::string title;
-        host::Rect place;
-    };
-    struct Application {
-        int pid;
-        std::string name;
-        std::vector<Window> windows;
-    };
-
     // What the test sets.
-    bool hasWindows = true;
-    std::vector<Application> applications{
-        {10, "Editor", {{101, "Letter", {5, 6, 30, 20}}, {102, "Notes", {50, 8, 40, 30}}}},
-        {11, "Browser", {{111, "News", {70, 10, 24, 16}}}},
-        {12, "Daemon", {}},
-    };
-    int frontPid = 10;
     std::map<std::string, int> info;
     std::map<std::string, std::string> resources;
     std::string home;
     bool isListening = false; ///< Somebody on the server's port.
     bool isFirewalled = false;
     bool hasDriver = true;
-    bool opens = true;
 
     // What the test looks at.
     std::vector<std::string> opened;
-    std::vector<int> broughtToFront;
     bool stopped = false;
 
-    FakeDesk() { displays = {{0, 0, 64, 48}, {64, 10, 100, 80}}; }
+    FakeDesk() {
+        displays = {{0, 0, 64, 48}, {64, 10, 100, 80}};
+        applications = {
+            {10, "Editor", {{101, "Letter", {5, 6, 30, 20}}, {102, "Notes", {50, 8, 40, 30}}}},
+            {11, "Browser", {{111, "News", {70, 10, 24, 16}}}},
+            {12, "Daemon", {}},
+        };
+        frontPid = 10;
+    }
 
     /// Lets the timers fire so many times.
     void Tick(int times) {
@@ -78,71 +61,6 @@ class FakeDesk : public FakeHost,
     host::AudioDriver* AudioDriverPort() override { return this; }
 
   private:
-    const Application* application(const host::ProcessSerialNumber& process) const {
-        for (const Application& one : applications) {
-            if (one.pid == process.low)
-                return &one;
-        }
-        return nullptr;
-    }
-    const Window* window(host::WindowId id) const {
-        for (const Application& one : applications) {
-            for (const Window& candidate : one.windows) {
-                if (candidate.id == id)
-                    return &candidate;
-            }
-        }
-        return nullptr;
-    }
-
-    bool IsAvailable() override { return hasWindows; }
-    int NextProcess(host::ProcessSerialNumber& process) override {
-        size_t next = 0;
-        while (process.low != 0 && next < applications.size() && applications[next].pid != process.low)
-            ++next;
-        next += process.low != 0;
-        if (next >= applications.size())
-            return -600;
-        process = {0, applications[next].pid};
-        return 0;
-    }
-    int FrontProcess(host::ProcessSerialNumber& process) override {
-        process = {0, frontPid};
-        return frontPid ? 0 : -600;
-    }
-    int SetFrontProcess(const host::ProcessSerialNumber& process) override {
-        broughtToFront.push_back(process.low);
-        return 0;
-    }
-    int ProcessInformation(const host::ProcessSerialNumber& process, host::ProcessInfo& out) override {
-        const Application* one = application(process);
-        if (!one)
-            return -600;
-        out = {one->name, "org.example." + one->name};
-        return 0;
-    }
-    int OnScreenWindowList(const host::ProcessSerialNumber& process,
-                           std::vector<host::WindowId>& ids) override {
-        const Application* one = application(process);
-        if (!one)
-            return -600;
-        for (const Window& each : one->windows)
-            ids.push_back(each.id);
-        return 0;
-    }
-    int WindowTitle(host::WindowId id, std::string& title) override {
-        if (!window(id))
-            return -600;
-        title = window(id)->title;
-        return 0;
-    }
-    int ScreenRectForWindow(host::WindowId id, host::Rect& place) override {
-        if (!window(id))
-            return -600;
-        place = window(id)->place;
-        return 0;
-    }
-
     std::vector<std::string> PreferredLanguages() override { return {}; }
     std::string ResourcePath(const std::string& name) override { return resources[name]; }
     int InfoValue(const std::string& key) override { return info[key]; }
@@ -158,7 +76,7 @@ class FakeDesk : public FakeHost,
     }
     bool OpenFile(const std::string& path) override {
         opened.push_back(path);
-        return opens;
+        return true;
     }
     bool OpenAddress(const std::string& url) override { return OpenFile(url); }
 
@@ -192,13 +110,9 @@ class ScriptedInterface : public vnUserInterface {
 
 class ShellTest : public testing::Test {
   protected:
-    ShellTest() {
-        EXPECT_NE(mkdtemp(fHome), nullptr);
-        machine.home = fHome;
-    }
+    ShellTest() { machine.home = fHome.Path(); }
     ~ShellTest() override {
-        EXPECT_TRUE(std::filesystem::is_empty(fHome)) << "scratch files are removed";
-        std::filesystem::remove_all(fHome);
+        EXPECT_TRUE(std::filesystem::is_empty(fHome.Path())) << "scratch files are removed";
     }
 
     void Launch() { ASSERT_TRUE(controller.applicationDidFinishLaunching()); }
@@ -230,5 +144,5 @@ class ShellTest : public testing::Test {
     vnController controller{interface, {.port = 0, .bindAddress = "127.0.0.1"}};
 
   private:
-    char fHome[32] = "/tmp/glasspane_test_XXXXXX";
+    TestFolder fHome;
 };

@@ -46,15 +46,6 @@ TEST_F(StatusMenuTest, BringsAWindowOfAnApplicationToTheFrontAndServesIt) {
     EXPECT_EQ(SelectedTitle(vnControl::fWindowPopup), "News");
 }
 
-TEST_F(StatusMenuTest, PresentsAWindowInFrontAsItStands) {
-    interface.ChooseFromStatusMenu(7);
-    EXPECT_EQ(Picture(), "50,8,40x30");
-    EXPECT_THAT(machine.broughtToFront, ElementsAre());
-    EXPECT_EQ(controller.Front().CurrentDeviceIndex(), 0) << "the front goes on with its device";
-    interface.ChooseFromStatusMenu(6);
-    EXPECT_EQ(Picture(), "5,6,30x20");
-}
-
 TEST_F(StatusMenuTest, DoesNothingForWhatIsGoneOrWasNever) {
     machine.applications[0].windows.clear();
     interface.ChooseFromStatusMenu(2, 1);

@@ -1,7 +1,6 @@
 #include "XServer.h"
 
 #include <csignal>
-#include <cstdlib>
 #include <unistd.h>
 
 XServer::XServer(const std::string& screen, const std::vector<std::string>& arguments) {
@@ -54,9 +53,4 @@ void XServer::start(const std::string& screen, const std::vector<std::string>& a
         return;
     }
     fDisplay = ":" + number;
-}
-
-bool SkippingIsFailure() {
-    const char* ci = std::getenv("CI");
-    return ci && std::string(ci) == "true";
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Program.h"
+#include "SkipOrFail.h"
 
 /// An X server of its own for a test: Xvfb on a display that is free. It ends with this object, and with the
 /// test program however that ends.
@@ -43,15 +44,3 @@ class XServer {
     std::string fDisplay;
     std::string fWhyNot;
 };
-
-/// Whether a test that can't run here has to fail: where everything it needs is meant to be installed.
-bool SkippingIsFailure();
-
-/// Leaves a test that can't run for want of something on the machine: a failure in CI, a skip that says why
-/// elsewhere.
-#define SKIP_OR_FAIL(reason)                                                                                 \
-    do {                                                                                                     \
-        if (SkippingIsFailure())                                                                             \
-            FAIL() << (reason);                                                                              \
-        GTEST_SKIP() << (reason);                                                                            \
-    } while (false)

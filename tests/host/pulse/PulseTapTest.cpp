@@ -94,46 +94,6 @@ TEST_F(PulseTap, TellsTheDefaultSinkAsItIs) {
     EXPECT_EQ(device.DeviceUID(id + 1, text), -1);
 }
 
-TEST_F(PulseTap, RecordsWhatPlaysWithoutAGapAndInStereoOrder) {
-    NEED_SOUND();
-    ASSERT_TRUE(server.AddSink("main", kRate, 2));
-    OpenTap();
-    const auto player = server.PlayTone("main");
-    ASSERT_TRUE(player && AwaitTone()) << "is sox installed?";
-    Record(200ms); // The player's own start.
-
-    const std::vector<float> samples = Record(3s);
-    ASSERT_FALSE(samples.empty());
-    const ToneMeter left(samples, 2, 0, kRate);
-    const ToneMeter right(samples, 2, 1, kRate);
-    EXPECT_NEAR(left.Level(1000), 0.5, 0.02);
-    EXPECT_NEAR(right.Level(500), 0.5, 0.02);
-    EXPECT_LT(left.Level(500), 0.01);
-    EXPECT_LT(right.Level(1000), 0.01);
-    EXPECT_LT(left.WorstBreak(1000), 0.01);
-    EXPECT_EQ(tap->DroppedBlocks(), 0U);
-}
-
-TEST_F(PulseTap, GoesOnWhenTheServerHasDiedAndIsBack) {
-    NEED_SOUND();
-    ASSERT_TRUE(server.AddSink("main", kRate, 2));
-    OpenTap();
-    auto player = server.PlayTone("main");
-    ASSERT_TRUE(player && AwaitTone());
-
-    server.Kill();
-    const auto end = Clock::now() + kLimit;
-    host::AudioWait wait = host::AudioWait::kData;
-    for (std::vector<float> rest; wait == host::AudioWait::kData && Clock::now() < end; Append(rest))
-        wait = tap->WaitForData(100);
-    EXPECT_EQ(wait, host::AudioWait::kTimedOut);
-
-    ASSERT_TRUE(server.Start()) << server.WhyNot();
-    ASSERT_TRUE(server.AddSink("other", 44100, 1));
-    player = server.PlayTone("other");
-    EXPECT_TRUE(AwaitTone());
-}
-
 TEST_F(PulseTap, FollowsTheDefaultSinkInTheFirstOnesFormat) {
     NEED_SOUND();
     ASSERT_TRUE(server.AddSink("main", kRate, 2));
