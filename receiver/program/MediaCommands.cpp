@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <unistd.h>
 
@@ -108,17 +109,30 @@ int run(const Client& client, Recorder::Settings settings, bool json) {
     return end == Recorder::End::kNoPicture ? Client::Fail(recorder.Failure()) : Client::kSuccess;
 }
 
+/// Unlike the library's own check, it takes no "nan".
+CLI::Validator within(double least, double most) {
+    const auto check = [least, most](const std::string& text) {
+        char* end = nullptr;
+        const double value = std::strtod(text.c_str(), &end);
+        if (*end == '\0' && value >= least && value <= most)
+            return std::string();
+        char bounds[80];
+        snprintf(bounds, sizeof bounds, " is no number from %g to %g", least, most);
+        return text + bounds;
+    };
+    return CLI::Validator(check, "");
+}
+
 /// What both commands can be told.
 void add_common(CLI::App& command, Recorder::Settings& settings) {
     Client::AddServer(command, settings.stream.server);
     command.add_option("--rate", settings.format.rate, "Polls a second: the most pictures that there can be")
-        ->check(CLI::Range(1.0, 240.0))
+        ->check(within(1, 240))
         ->capture_default_str();
     command.add_option("--quality", settings.stream.quality, "Of the pictures that the server sends")
         ->check(CLI::IsMember({"low", "normal", "high"}))
         ->capture_default_str();
-    command.add_option("--duration", settings.seconds, "Seconds; else until Ctrl-C")
-        ->check(CLI::Range(0.1, 1e7));
+    command.add_option("--duration", settings.seconds, "Seconds; else until Ctrl-C")->check(within(0.1, 1e7));
     command.add_flag("!--no-pointer", settings.hasPointer, "Leave the pointer out");
 }
 
