@@ -170,9 +170,11 @@ bool Recorder::fill(Clock::time_point now) {
     if (!fWriter.IsOpen())
         return true;
     const int64_t time = fTimeline.Now(now);
+    // A reader who was stuck gets no flood of large pictures.
+    const bool makesUp = has_constant_rate() || fSettings.format.IsCompressed();
     if (fSettings.format.hasPictures)
-        while (next_picture_time() <= time)
-            if (!fWriter.WritePicture(next_picture_time()))
+        for (int64_t due = next_picture_time(); due <= time; due = next_picture_time())
+            if (!fWriter.WritePicture(makesUp ? due : time))
                 return false;
     return fWriter.AdvanceSound(time);
 }

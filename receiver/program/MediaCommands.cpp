@@ -35,9 +35,12 @@ class ProgressLine {
         print(recorder);
     }
 
-    void End() {
-        if (fIsTerminal)
-            fputs("\r\x1b[K", stderr);
+    void End(const Recorder& recorder) {
+        if (!fIsTerminal)
+            return;
+        fIsAway = false;
+        print(recorder);
+        fputs(recorder.Writer().IsOpen() ? "\n" : "\r\x1b[K", stderr);
     }
 
   private:
@@ -101,7 +104,7 @@ int run(const Client& client, Recorder::Settings settings, bool json) {
     settings.progress = [&line](const Recorder& recorder) { line.Show(recorder); };
     Recorder recorder(settings, client.interruption);
     const Recorder::End end = recorder.Run();
-    line.End();
+    line.End(recorder);
     if (json && end != Recorder::End::kNoPicture)
         Client::Print(json_of(recorder, settings.path, end));
     if (end == Recorder::End::kFailed)
