@@ -21,7 +21,7 @@ class Listener : public zObserver {
     explicit Listener(std::vector<Browser::Server>& servers) : fServers(servers) {}
 
     void HandleMessage(unsigned int what, zRecord* message, zRecord*, zRecord*) override {
-        Browser::Server server{message->AsCString("name", ""), message->AsCString("host", ""),
+        Browser::Server server{message->AsCString("name", ""), without_dot(message->AsCString("host", "")),
                                static_cast<uint16_t>(message->AsInt32("port", 0)),
                                version_of(message->AsCString("txt", ""))};
         std::erase_if(fServers, [&](const Browser::Server& one) {
@@ -32,6 +32,13 @@ class Listener : public zObserver {
     }
 
   private:
+    /// A host as people write it.
+    static std::string without_dot(std::string host) {
+        if (host.ends_with('.'))
+            host.pop_back();
+        return host;
+    }
+
     /// Of a text record such as "\x03v=2".
     static std::string version_of(const std::string& text) {
         const size_t place = text.find("v=");

@@ -115,6 +115,18 @@ TEST_F(DiscoveryTest, ObserversHearOfServicesOfTheirType) {
     handler.RemoveObserver(id);
 }
 
+TEST_F(DiscoveryTest, TheReceiverFindsWhoServes) {
+    cBonjour bonjour;
+    ASSERT_EQ(bonjour.Service_Register(kType, kPort, kText), 0);
+    EXPECT_TRUE(RunUntil([&] {
+        Program client({GLASSPANE_CLIENT, "discover", "--json", "--time", "1"});
+        fLine = client.ReadLine();
+        return fLine == "[{\"name\":\"glasspanetest\",\"host\":\"glasspanetest.local\",\"port\":17272,"
+                        "\"version\":\"2\"}]";
+    })) << fLine;
+    EXPECT_EQ(bonjour.Service_Unregister(kType, 0), 0);
+}
+
 // Last, as it takes the daemon away.
 TEST_F(DiscoveryTest, WithoutADaemonTheProgramJustIsNotFound) {
     cBonjour bonjour;

@@ -52,6 +52,19 @@ int XPainter::Xrandr(const std::string& arguments) {
     return std::system(("xrandr --display " + fDisplay + " " + arguments).c_str());
 }
 
+bool XPainter::SetMode(int width, int height) {
+    const std::string w = std::to_string(width);
+    const std::string h = std::to_string(height);
+    const std::string mode = w + "x" + h;
+    Xrandr("--newmode " + mode + " 0 " + w + " 0 0 " + w + " " + h + " 0 0 " + h);
+    Xrandr("--addmode screen " + mode + " >/dev/null");
+    return Xrandr("--output screen --mode " + mode + " >/dev/null") == 0;
+}
+
+bool XPainter::SetMonitor(const std::string& name, const std::string& place) {
+    return Xrandr("--setmonitor '" + name + "' " + place + " none") == 0;
+}
+
 void XPainter::SetPointer(int extent, int hotX, int hotY, uint32_t colour) {
     const xcb_pixmap_t shape = square(extent, kPointerSize);
     const xcb_cursor_t cursor = xcb_generate_id(fXcb);

@@ -27,6 +27,11 @@ class XPainter {
 
     /// Runs xrandr on the screen; its exit status.
     int Xrandr(const std::string& arguments);
+    /// Gives the screen a mode of another size; false when it can't have one.
+    bool SetMode(int width, int height);
+    /// \p place as in "300/100x200/100+10+20", extents with their millimetres; a star before the name marks
+    /// the primary monitor. False when the server has no monitors.
+    bool SetMonitor(const std::string& name, const std::string& place);
 
     /// Gives the root window a square pointer of \p extent opaque pixels; 0 makes one without a visible
     /// pixel.
@@ -35,8 +40,6 @@ class XPainter {
 
     /// Sends every client a note on the keyboard map.
     void ChangeKeyboardMap();
-
-    int Depth() const { return fScreen->root_depth; }
 
   private:
     uint32_t pixel(uint32_t colour) const;

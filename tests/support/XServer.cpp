@@ -40,6 +40,17 @@ void XServer::Restart(const std::string& screen) {
     start(screen, {fDisplay});
 }
 
+std::unique_ptr<Program> XServer::StartManager() const {
+    auto manager = std::make_unique<Program>(
+        std::vector<std::string>{"openbox", "--sm-disable", "--startup", "echo ready"},
+        std::vector<std::string>{"DISPLAY=" + fDisplay});
+    std::string line;
+    do
+        line = manager->ReadLine();
+    while (!line.empty() && line != "ready");
+    return line.empty() ? nullptr : std::move(manager);
+}
+
 /// The server writes its display's number and a line feed when it is ready, and ends when it fails.
 void XServer::start(const std::string& screen, const std::vector<std::string>& arguments) {
     std::string command = "Xvfb -screen 0 " + screen + " -nolisten tcp -noreset -dpi 96 -displayfd 3";

@@ -37,6 +37,10 @@ class XServer {
     /// Starts another server in the place of this one, with one screen and no further arguments.
     void Restart(const std::string& screen);
 
+    /// A window manager for the display that frames every window from now on; null when there is none to be
+    /// had. One that isn't done with starting would lose windows.
+    std::unique_ptr<Program> StartManager() const;
+
   private:
     void start(const std::string& screen, const std::vector<std::string>& arguments);
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 
 namespace {
@@ -85,17 +84,6 @@ void XWindows::SetNumbers(xcb_window_t window, const std::string& property, cons
     xcb_change_property(fXcb, XCB_PROP_MODE_REPLACE, window, Atom(property), Atom(type), 32,
                         static_cast<uint32_t>(numbers.size()), numbers.data());
     sync();
-}
-
-std::vector<uint32_t> XWindows::RootNumbers(const std::string& property) {
-    const auto cookie = xcb_get_property(fXcb, false, fRoot, Atom(property), XCB_ATOM_ANY, 0, 1024);
-    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(fXcb, cookie, nullptr));
-    if (!reply || reply->format != 32)
-        return {};
-    std::vector<uint32_t> numbers(reply->value_len);
-    if (!numbers.empty())
-        std::memcpy(numbers.data(), xcb_get_property_value(reply.get()), numbers.size() * 4);
-    return numbers;
 }
 
 xcb_window_t XWindows::TopLevel(xcb_window_t window) {

@@ -31,9 +31,6 @@ class XWindows {
     void SetNumbers(xcb_window_t window, const std::string& property, const std::string& type,
                     const std::vector<uint32_t>& numbers);
 
-    /// The root's property as 32-bit numbers.
-    std::vector<uint32_t> RootNumbers(const std::string& property);
-
     /// The window at the top level that holds \p window: its frame, or itself.
     xcb_window_t TopLevel(xcb_window_t window);
     /// Whether \p upper comes after \p lower among the root's children.

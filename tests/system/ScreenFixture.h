@@ -25,15 +25,6 @@ class ScreenFixture : public testing::Test {
             std::vector<std::string>{"--host", "x11", "--display", server->Display()});
         ASSERT_NE(daemon->Port(), 0) << daemon->ReadyLine();
     }
-    /// Gives the screen a mode of another size.
-    void SetMode(int width, int height) {
-        const std::string w = std::to_string(width);
-        const std::string h = std::to_string(height);
-        const std::string mode = w + "x" + h;
-        painter->Xrandr("--newmode " + mode + " 0 " + w + " 0 0 " + w + " " + h + " 0 0 " + h);
-        painter->Xrandr("--addmode screen " + mode + " >/dev/null");
-        ASSERT_EQ(painter->Xrandr("--output screen --mode " + mode + " >/dev/null"), 0);
-    }
 
     std::unique_ptr<XServer> server;
     std::unique_ptr<XPainter> painter;

@@ -15,8 +15,8 @@ class X11Displays : public X11Fixture {
 
 TEST_F(X11Displays, AreTheMonitors) {
     NEED_X11("600x300x24");
-    SetMonitor("RIGHT \xE2\x82\xAC", "200/100x150/100+300+20");
-    SetMonitor("LEFT \xFC", "300/100x300/100+0+0");
+    ASSERT_TRUE(painter->SetMonitor("RIGHT \xE2\x82\xAC", "200/100x150/100+300+20"));
+    ASSERT_TRUE(painter->SetMonitor("LEFT \xFC", "300/100x300/100+0+0"));
     painter->Fill(0, 0, 300, 300, 0x112233);
     painter->Fill(300, 0, 300, 300, 0x445566);
     const host::DisplayId left = IdOf("LEFT \xC3\xBC"); // from Latin-1
@@ -34,13 +34,13 @@ TEST_F(X11Displays, AreTheMonitors) {
     ASSERT_EQ(Displays().Picture(Displays().Bounds(left), image), 0);
     EXPECT_EQ(ColourAt(image, 299, 299), 0x112233U);
 
-    SetMonitor("*THREE", "50/100x50/100+100+100");
+    ASSERT_TRUE(painter->SetMonitor("*THREE", "50/100x50/100+100+100"));
     EXPECT_EQ(Displays().MainDisplay(), IdOf("THREE"));
     painter->Xrandr("--delmonitor THREE");
     painter->Xrandr("--delmonitor 'LEFT \xFC'");
     EXPECT_EQ(Ids(), (std::vector{right, IdOf("screen")})) << "while others come and go";
     EXPECT_EQ(BoundsOf(left)[2], 0);
-    SetMonitor("LEFT \xFC", "10/100x10/100+0+0");
+    ASSERT_TRUE(painter->SetMonitor("LEFT \xFC", "10/100x10/100+0+0"));
     EXPECT_EQ(BoundsOf(left)[2], 10) << "it is back";
 }
 

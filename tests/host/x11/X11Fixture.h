@@ -51,22 +51,6 @@ class X11Fixture : public testing::Test {
         return static_cast<uint32_t>(bgr[2] << 16 | bgr[1] << 8 | bgr[0]);
     }
 
-    /// Gives the screen a mode of another size.
-    void SetMode(int width, int height) {
-        const std::string mode = std::to_string(width) + "x" + std::to_string(height);
-        const std::string w = std::to_string(width) + " ";
-        const std::string h = std::to_string(height) + " ";
-        ASSERT_EQ(painter->Xrandr("--newmode " + mode + " 0 " + w + "0 0 " + w + h + "0 0 " + h), 0);
-        ASSERT_EQ(painter->Xrandr("--addmode screen " + mode + " >/dev/null"), 0);
-        ASSERT_EQ(painter->Xrandr("--output screen --mode " + mode + " >/dev/null"), 0);
-    }
-    /// \p place as in "300/100x200/100+10+20", extents with their millimetres; a star before the name marks
-    /// the primary monitor.
-    void SetMonitor(const std::string& name, const std::string& place) {
-        ASSERT_EQ(painter->Xrandr("--setmonitor '" + name + "' " + place + " none"), 0)
-            << "is xrandr installed?";
-    }
-
     std::unique_ptr<XServer> server;
     std::unique_ptr<XPainter> painter;
     std::unique_ptr<host::X11Host> machine;

@@ -105,7 +105,7 @@ TEST_F(X11Picture, FollowsTheScreensSize) {
     NEED_X11("640x480x24");
     painter->Fill(0, 0, 640, 480, 0x204060);
     EXPECT_EQ(ColourOnScreen(600, 400), 0x204060U);
-    SetMode(320, 240);
+    ASSERT_TRUE(painter->SetMode(320, 240));
     EXPECT_EQ(ColourOnScreen(600, 400), 0U) << "this is no longer on the screen";
     std::string whyNot;
     const auto latecomer = host::X11Host::Open(server->Display().c_str(), whyNot);
@@ -140,8 +140,8 @@ TEST_F(X11Picture, ComesThroughMemoryThatIsPrivateAndNameless) {
 
 TEST_F(X11Picture, EqualsAReadOfTheFramebuffer) {
     NEED_X11("320x240x24");
-    SetMonitor("LEFT", "120/100x240/100+0+0");
-    SetMonitor("RIGHT", "200/100x200/100+120+30");
+    ASSERT_TRUE(painter->SetMonitor("LEFT", "120/100x240/100+0+0"));
+    ASSERT_TRUE(painter->SetMonitor("RIGHT", "200/100x200/100+120+30"));
     PaintBlocks();
     for (const host::DisplayId id : Ids()) {
         const host::Rect place = Displays().Bounds(id);

@@ -119,9 +119,9 @@ TEST_F(X11Reports, TellThatDisplaysChange) {
     NEED_X11("640x480x24");
     Listen();
     const host::DisplayId screen = Displays().MainDisplay();
-    SetMode(320, 200);
+    ASSERT_TRUE(painter->SetMode(320, 200));
     EXPECT_TRUE(AwaitChange([&] { return BoundsOf(screen) == std::vector<double>{0, 0, 320, 200}; }));
-    SetMonitor("MORE", "20/10x20/10+10+10");
+    ASSERT_TRUE(painter->SetMonitor("MORE", "20/10x20/10+10+10"));
     EXPECT_TRUE(AwaitChange([&] { return Ids().size() == 2; }));
     painter->Xrandr("--delmonitor MORE");
     EXPECT_TRUE(AwaitChange([&] { return Ids().size() == 1; }));

@@ -23,17 +23,6 @@ const Place kNowhere{0, 0, 0, 0};
 
 class X11WindowServer : public X11Fixture {
   protected:
-    /// False when there is no window manager to be had. One that isn't done with starting loses windows.
-    bool StartManager() {
-        manager = std::make_unique<Program>(
-            std::vector<std::string>{"openbox", "--sm-disable", "--startup", "echo ready"},
-            std::vector<std::string>{"DISPLAY=" + server->Display()});
-        std::string line;
-        do
-            line = manager->ReadLine();
-        while (!line.empty() && line != "ready");
-        return !line.empty();
-    }
     host::WindowServer& Port() { return machine->WindowServerPort(); }
 
     xcb_window_t OpenTitled(const std::string& title) {
@@ -99,7 +88,8 @@ class X11WindowServer : public X11Fixture {
 #define NEED_MANAGER()                                                                                       \
     do {                                                                                                     \
         NEED_WINDOWS();                                                                                      \
-        if (!StartManager())                                                                                 \
+        manager = server->StartManager();                                                                    \
+        if (!manager)                                                                                        \
             SKIP_OR_FAIL("openbox does not start: is it installed?");                                        \
     } while (false)
 
@@ -287,23 +277,23 @@ TEST_F(X11WindowServer, LetsNoErrorEscapeWhileWindowsVanish) {
         }
     });
     size_t seen = 0;
-    Windows ids;
-    host::ProcessInfo process;
-    host::WindowInfo info;
-    std::string title;
-    host::Rect rect;
     while (rounds < 40) {
         for (Psn one; port.NextProcess(one) == 0;) {
+            Windows ids;
             port.OnScreenWindowList(one, ids);
             for (const host::WindowId id : ids) {
-                ++seen;
+                std::string title;
+                host::WindowInfo info;
+                host::Rect rect;
                 port.WindowTitle(id, title);
                 port.CopyWindowInfo(id, info);
                 port.ScreenRectForWindow(id, rect);
+                ++seen;
             }
+            host::ProcessInfo process;
+            Psn front;
             port.ProcessInformation(one, process);
             port.SetFrontProcess(one);
-            Psn front;
             port.FrontProcess(front);
         }
     }
