@@ -12,7 +12,7 @@ namespace {
 using std::chrono::duration_cast;
 using std::chrono::microseconds;
 
-/// A picture that its clock puts further back than this, in microseconds, is shown at once.
+/// A picture that is older than this, in microseconds, has a clock that makes no sense.
 constexpr int64_t kOldest = Timeline::kLargestJump;
 
 Stream::Settings stream_settings(Stream::Settings settings, const MediaFormat& format) {
@@ -101,7 +101,7 @@ bool Recorder::take_reply() {
 /// At the first picture.
 bool Recorder::start() {
     const Canvas& canvas = fStream.Picture();
-    fTimeline.StartAt(fStream.PictureTime() != 0 ? fStream.PictureTime() : fReplyTime);
+    fTimeline.StartAt(capture_time(true));
     return fWriter.Open(fSettings.path, fSettings.overwrite, fSettings.format, canvas.Width(),
                         canvas.Height(), fFailure);
 }
@@ -124,10 +124,13 @@ bool Recorder::take_picture() {
         return false;
     if (has_constant_rate())
         return true; // It is written when it is due.
-    // Without a new picture it is the pointer that moved, since the reply before.
-    const int64_t time = fTimeline.At(isNew ? fStream.PictureTime() : fReplyBefore);
-    const int64_t latest = fTimeline.At(fReplyTime);
-    return fWriter.WritePicture(time < latest - kOldest ? latest : std::min(time, latest));
+    return fWriter.WritePicture(fTimeline.At(capture_time(isNew)));
+}
+
+/// By the server's clock. Without a new picture it is the pointer that moved, since the reply before.
+int64_t Recorder::capture_time(bool isNew) const {
+    const int64_t time = isNew ? fStream.PictureTime() : fReplyBefore;
+    return time > fReplyTime || time < fReplyTime - kOldest ? fReplyTime : time;
 }
 
 const uint8_t* Recorder::compose(const PointerLook& pointer) {

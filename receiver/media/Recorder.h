@@ -76,6 +76,7 @@ class Recorder {
     bool wait();
     void finish();
     End end();
+    int64_t capture_time(bool isNew) const;
     PointerLook pointer_look() const;
     const uint8_t* compose(const PointerLook& pointer);
     bool has_constant_rate() const;

@@ -10,6 +10,7 @@ namespace receiver {
 /// A server's sound clock counts samples. It runs at the speed of the sound hardware, loses a fraction of a
 /// microsecond with each reply, and knows nothing of what a slow receiver made the server lose. But the
 /// freshest sound of a few replies was heard as its reply was made: that ties it to the machine's clock.
+/// Takes any times that a StreamReply has.
 class SoundClock {
   public:
     /// When the last sample of a reply was heard, from the reply's time stamps for it and for itself, all in

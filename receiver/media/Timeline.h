@@ -6,7 +6,7 @@
 namespace receiver {
 
 /// Turns a server's clock into the time of a recording, in microseconds, and goes on by this machine's clock
-/// while the server says nothing.
+/// while the server says nothing. Takes any times that a StreamReply has.
 class Timeline {
   public:
     using Clock = std::chrono::steady_clock;
