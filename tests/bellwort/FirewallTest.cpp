@@ -6,33 +6,24 @@
 
 namespace {
 
-/// A machine with one preference file.
+/// A machine with the preference file of its firewall for applications.
 class FirewalledHost : public FakeHost, private host::Desktop {
   public:
-    FirewalledHost(uint32_t version, const std::string& file, const std::string& dictionary)
-        : fFile(file),
-          fText("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//A//DTD 1.0//EN\" "
-                "\"http://a/b.dtd\">\n<plist version=\"1.0\">\n<dict>\n" +
-                dictionary + "\n</dict>\n</plist>\n") {
-        systemVersion = version;
-    }
+    std::string dictionary;
+
     host::Desktop& DesktopPort() override { return *this; }
     std::string FirewallPreferences(const std::string& path, int) override {
-        return path == fFile ? fText : std::string();
+        return path != kApplicationFirewallFile ? std::string()
+                                                : "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE "
+                                                  "plist PUBLIC \"-//A//DTD 1.0//EN\" "
+                                                  "\"http://a/b.dtd\">\n<plist version=\"1.0\">\n<dict>\n" +
+                                                      dictionary + "\n</dict>\n</plist>\n";
     }
-
-  private:
-    std::string fFile;
-    std::string fText;
 };
 
-bool is_blocked(uint32_t version, const char* file, const std::string& dictionary) {
-    FirewalledHost machine(version, file, dictionary);
+TEST(FirewallTest, ItsStateDecides) {
+    FirewalledHost machine;
     const host::HostScope scope(machine);
-    return cFirewall::IsTCPPortFirewalled(7272);
-}
-
-TEST(FirewallTest, StateDecidesFrom10Point5) {
     const struct {
         const char* dictionary;
         bool blocked;
@@ -49,37 +40,10 @@ TEST(FirewallTest, StateDecidesFrom10Point5) {
         {"<key>globalstate</key>", false},
         {"<broken", false},
     };
-    for (const auto& one : cases)
-        EXPECT_EQ(is_blocked(0x1080, host::Desktop::kApplicationFirewallFile, one.dictionary), one.blocked)
-            << one.dictionary;
-    EXPECT_FALSE(is_blocked(0x1080, host::Desktop::kRuleFirewallFile, cases[2].dictionary));
-}
-
-TEST(FirewallTest, RulesDecideBefore10Point5) {
-    const std::string on = "<key>state</key><true/>";
-    const auto rule = [](const char* enable, const char* ports) {
-        return std::string("<key>firewall</key><dict><key>ours</key><dict><key>enable</key>") + enable +
-               "<key>port</key>" + ports + "</dict></dict>";
-    };
-    const struct {
-        std::string dictionary;
-        bool blocked;
-    } cases[] = {
-        {"", false},
-        {"<key>state</key><false/>", false},
-        {"<key>state</key><integer>1</integer>", false},
-        {on, true},
-        {on + "<key>firewall</key><string>no</string>", true},
-        {on + rule("<integer>1</integer>", "<array><string>22</string><string>7272</string></array>"), false},
-        {on + rule("<integer>0</integer>", "<array><string>7272</string></array>"), true},
-        {on + rule("<true/>", "<array><string>7272</string></array>"), true},
-        {on + rule("<integer>1</integer>", "<array><integer>7272</integer></array>"), true},
-        {on + rule("<integer>1</integer>", "<string>7272</string>"), true},
-        {on + rule("<integer>1</integer>", "<array><string>17272</string></array>"), true},
-    };
-    for (const auto& one : cases)
-        EXPECT_EQ(is_blocked(0x1040, host::Desktop::kRuleFirewallFile, one.dictionary), one.blocked)
-            << one.dictionary;
+    for (const auto& one : cases) {
+        machine.dictionary = one.dictionary;
+        EXPECT_EQ(cFirewall::IsTCPPortFirewalled(7272), one.blocked) << one.dictionary;
+    }
 }
 
 } // namespace

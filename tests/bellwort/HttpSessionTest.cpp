@@ -95,23 +95,6 @@ TEST(HttpSessionTest, TellsWhatIsWrongWithAResponse) {
     }
 }
 
-TEST(HttpSessionTest, RefusesWhatItCannotAskFor) {
-    const struct {
-        const char* url;
-        int code;
-    } cases[] = {{"", -21401},
-                 {"http://", -21401},
-                 {"ftp://example.org/", -21401},
-                 {"http://[::", -21307},
-                 {"HTTP://127.0.0.1:1", -21302}};
-    for (const auto& one : cases)
-        EXPECT_EQ(Client(one.url).Run(), one.code) << one.url;
-    Client client("http://127.0.0.1:1");
-    EXPECT_EQ(client.session->Request_Begin(&client.response, nullptr, "x", -1), -21305);
-    EXPECT_FALSE(Client("http://127.0.0.1:1", 0).session->IsConfigured());
-    EXPECT_TRUE(client.session->IsConfigured());
-}
-
 TEST(HttpSessionTest, TimeOutLimitsSilenceOnly) {
     constexpr int kPieces = 25;
     constexpr double kLimit = 2; // Twenty pauses, and less than all of them.

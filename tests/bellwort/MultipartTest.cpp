@@ -5,11 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "cBoyerMoore.h"
 #include "cMultipartReader.h"
 #include "cMultipartRecord.h"
 #include "cMultipartWriter.h"
-#include "cUtils.h"
 #include "zRecord.h"
 
 namespace {
@@ -145,63 +143,6 @@ TEST(MultipartTest, ReaderRefusesAbsurdArgumentsAndOffsets) {
         EXPECT_EQ(reader.Parse_BodyOnly(body.data(), size, "B", 1, offset), -1) << offset;
     for (const int boundarySize : {0, INT_MAX})
         EXPECT_EQ(reader.Parse_BodyOnly(body.data(), size, "B", boundarySize, 0), -1);
-}
-
-TEST(HeaderTest, ParsesBlocksLineByLine) {
-    const std::string longName(255, 'n');
-    const std::string block =
-        "Name: value\r\nFolded: a\r\n b\r\n\tc: d\r\nno colon\r\nEmpty:\r\nShort: \r\n" + longName +
-        ": dropped\r\n" + longName.substr(1) + ": kept\r\n\r\nBody: x\r\n";
-    zRecord record;
-    EXPECT_EQ(cUtils::HeaderParse(block.data(), static_cast<int>(block.size()), record),
-              static_cast<int>(block.find("\r\n\r\n") + 2));
-    EXPECT_EQ(record.VariableCount(), 5);
-    EXPECT_STREQ(record.AsCString("Name", ""), "value");
-    EXPECT_STREQ(record.AsCString("Folded", ""), "a\r\n b\r\n\tc: d");
-    EXPECT_STREQ(record.AsCString("Empty", "-"), "");
-    EXPECT_STREQ(record.AsCString("Short", "-"), "");
-    EXPECT_STREQ(record.AsCString(longName.substr(1).c_str(), ""), "kept");
-
-    zRecord open;
-    EXPECT_EQ(cUtils::HeaderParse("A: 123", 6, open), 6);
-    EXPECT_STREQ(open.AsCString("A", ""), "1") << "a last line without its end loses two bytes";
-    EXPECT_EQ(cUtils::HeaderParse("A:", 2, open), 2);
-}
-
-TEST(HeaderTest, FindsEntriesByWholeNameIgnoringCase) {
-    const auto entry = [](const char* text, const char* name) {
-        const char* value = nullptr;
-        int length = 0;
-        const int result = cUtils::HeaderEntry_FindByName(text, name, &value, &length);
-        return result == 0 ? std::string(value, static_cast<size_t>(length)) : "missing";
-    };
-    EXPECT_EQ(entry("multipart/related;boundary=b", "Boundary"), "b");
-    EXPECT_EQ(entry("a ; \t x = 1 2 \r\n; BOUNDARY = \"q\" ;", "boundary"), "\"q\"");
-    EXPECT_EQ(entry("bound=1; boundaryx=2", "boundary"), "missing");
-    EXPECT_EQ(entry("boundary", "boundary"), "missing");
-    EXPECT_EQ(entry("=v", ""), "missing");
-    EXPECT_EQ(entry("x=a=b", "x"), "a=b");
-    EXPECT_EQ(entry("x=;y", "x"), "");
-}
-
-TEST(BoyerMooreTest, FindsWhatAPlainSearchFinds) {
-    std::mt19937 random(3);
-    const auto text_of = [&](size_t size) {
-        std::string text(size, 0);
-        std::generate(text.begin(), text.end(), [&] { return "ab\xFF"[random() % 3]; });
-        return text;
-    };
-    for (int i = 0; i < 3000; ++i) {
-        const std::string text = text_of(random() % 60);
-        const std::string pattern = text_of(1 + random() % 5);
-        const cBoyerMoore search(pattern.data(), static_cast<int>(pattern.size()));
-        const size_t found = text.find(pattern);
-        EXPECT_EQ(search.FindIn(text.data(), static_cast<int>(text.size())),
-                  found == std::string::npos ? -1 : static_cast<int>(found));
-    }
-    const std::string longest(256, 'x');
-    for (const auto& [size, found] : {std::pair{255, 0}, {256, -1}, {0, -1}})
-        EXPECT_EQ(cBoyerMoore(longest.data(), size).FindIn(longest.data(), 256), found) << size;
 }
 
 } // namespace

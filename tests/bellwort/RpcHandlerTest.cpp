@@ -32,12 +32,12 @@ class Bytes : public cBuffer {
     std::string fBytes;
 };
 
-/// Replies with the number of the request's children. All methods but "Version" add sections for a picture
-/// and for an empty one, and all of these but "SectionsOnly" attach them.
+/// Replies with the number of the request's children. All methods but "Version" send a picture and an empty
+/// one, too.
 class TestExecutor : public cRPCExecutor {
   public:
     bool RPC_ImplementsMethod(const char* method) override {
-        const char* const known[] = {"Version", "Pictures", "SectionsOnly", "OneTooMany", "Fails"};
+        const char* const known[] = {"Version", "Pictures", "OneTooMany", "Fails"};
         return std::any_of(std::begin(known), std::end(known),
                            [method](const char* name) { return zString::string_equal(method, name); });
     }
@@ -52,8 +52,7 @@ class TestExecutor : public cRPCExecutor {
         for (const std::string& picture : {kPicture, std::string()}) {
             const int section = message.AddSection(static_cast<int>(picture.size()), "image/jpg");
             message.AddSectionHeader(section, "Content-ID", picture.empty() ? "<two>" : "<one>");
-            if (!zString::string_equal(method, "SectionsOnly"))
-                attachments.Append(new Bytes(picture));
+            attachments.Append(new Bytes(picture));
         }
         if (zString::string_equal(method, "OneTooMany"))
             attachments.Append(new Bytes("third"));
@@ -101,7 +100,6 @@ TEST_F(RpcHandlerTest, PlainReplyIsXmlByteForByte) {
     EXPECT_EQ(Call("vErSiOn"), kPlainReply);
     Call("Version", "<params></params>");
     EXPECT_EQ(Call("Version"), kPlainReply) << "nothing is left of the call before";
-    EXPECT_EQ(Call("SectionsOnly"), kPlainReply) << "sections count only with attachments";
 }
 
 TEST_F(RpcHandlerTest, ReplyWithAttachmentsIsMultipartByteForByte) {

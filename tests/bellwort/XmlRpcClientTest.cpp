@@ -91,31 +91,4 @@ TEST(XmlRpcClientTest, EscapesWhatIsNoASCII) {
     EXPECT_EQ(code, -14);
 }
 
-TEST(XmlRpcClientTest, LogsWhatTravels) {
-    const TestFolder folder;
-    auto* logger = new cLogger((folder / "log").c_str(), 12);
-    ScriptedServer server([](const std::string&) { return ScriptedServer::Answer{head("a/b", 4) + "text"}; });
-    const auto line = [](const std::string& title) {
-        const std::string half(48 - title.size() / 2, '-');
-        return "\n" + half + title + half + "\n";
-    };
-    const std::string whole(96, '-');
-    {
-        cXMLRPC client(server.URL().c_str(), 60);
-        client.SetLogger(logger);
-        zRecord reply;
-        call(client, reply);
-        logger->Message("odd", "exact length");
-        logger->Error(-14, "late");
-        logger->Close();
-        logger->Message("closed", "silent");
-        EXPECT_EQ(folder.Read("log"), line(" SENT ") + "<?xml versio\n\n... message truncated ....\n" +
-                                          line(" RECEIVED ") + "text" + line("odd") + "exact length" +
-                                          line(" ERROR -14 ") + "late\n" + whole);
-        logger->Start();
-        logger->Release();
-    }
-    EXPECT_EQ(folder.Read("log"), "\n" + whole) << "anew, and the session's reference was the last";
-}
-
 } // namespace

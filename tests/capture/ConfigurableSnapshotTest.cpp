@@ -3,15 +3,13 @@
 #include "vnConfigurableSnapshot.h"
 #include "vnFocus.h"
 #include "vnSnapshotBuffer.h"
-#include "zString.h"
 
 namespace {
 
 /// A device that only notes what reaches it.
 class NotingDevice : public vnSnapshot {
   public:
-    NotingDevice(const zRect& bounds, int& alive) : fBounds(bounds), fAlive(alive) { ++fAlive; }
-    ~NotingDevice() override { --fAlive; }
+    explicit NotingDevice(const zRect& bounds) : fBounds(bounds) {}
 
     vnSnapshotBuffer* NewBuffer() override { return new vnSnapBuff_cg; }
     bool IsScreenSaverActive() override { return false; }
@@ -32,7 +30,6 @@ class NotingDevice : public vnSnapshot {
 
   private:
     zRect fBounds;
-    int& fAlive;
 };
 
 class ScriptedFocus : public vnFocus {
@@ -53,17 +50,12 @@ class ConfigurableSnapshotTest : public testing::Test {
         front.AddDevice("left", left);
         front.AddDevice("right", right);
     }
-    ~ConfigurableSnapshotTest() override {
-        if (buffer)
-            buffer->Release();
-    }
 
-    int alive = 0;
-    NotingDevice* left = new NotingDevice(zRect(0, 0, 1023, 767), alive);
-    NotingDevice* right = new NotingDevice(zRect(1024, 0, 2303, 1023), alive);
+    NotingDevice* left = new NotingDevice(zRect(0, 0, 1023, 767));
+    NotingDevice* right = new NotingDevice(zRect(1024, 0, 2303, 1023));
     vnConfigurableSnapshot front;
     ScriptedFocus focus;
-    vnSnapshotBuffer* buffer = nullptr;
+    vnSnapshotBuffer* buffer = nullptr; ///< Never filled.
 };
 
 TEST_F(ConfigurableSnapshotTest, TurnsAFocusAndACropIntoInsetsOfTheDevice) {
@@ -112,18 +104,6 @@ TEST_F(ConfigurableSnapshotTest, KeepsCapturingWhereAWindowLastStood) {
 
     front.SetFocus(&focus);
     EXPECT_EQ(front.Grab(&buffer, zRect(), nullptr), -1) << "a new focus forgets the old place";
-}
-
-TEST(ConfigurableSnapshot, TellsClientsOfAtMost2048Pixels) {
-    int alive = 0;
-    {
-        vnConfigurableSnapshot front;
-        front.AddDevice("wide", new NotingDevice(zRect(100, 0, 100 + 2559, 1439), alive));
-        front.SetCurrentDeviceByIndex(0);
-        EXPECT_EQ(front.MaximumRect(), zRect(100, 0, 100 + 2047, 1439));
-        EXPECT_EQ(alive, 1);
-    }
-    EXPECT_EQ(alive, 0) << "the front owns its devices";
 }
 
 } // namespace

@@ -53,26 +53,6 @@ TEST(FocusRect, EvaluatesPresetsAgainstTheDisplay) {
     }
 }
 
-TEST(FocusRect, ARegionOnAnotherDisplayTurnsEveryPresetIntoTheWholeDisplay) {
-    struct {
-        int region;
-        int display;
-        bool isWhole;
-    } const cases[] = {{-1, 0, false}, {-1, 3, false}, {1, 0, true},
-                       {0, 1, true},   {1, 1, false},  {0, 0, false}};
-    vnFocusRect focus;
-    zRecord list;
-    focus.SetCurrent(*AddOne(list, vnFocusRect::kCentered, zRect(320, 240)));
-    focus.SetMaximumRect(kDisplay);
-    for (const auto& one : cases) {
-        focus.SetCurrentScreenRegionDisplayIndex(one.region);
-        focus.SetCurrentDisplayIndex(one.display);
-        zRect rect;
-        focus.Rect(rect);
-        EXPECT_EQ(rect == kDisplay, one.isWhole) << one.region << " " << one.display;
-    }
-}
-
 TEST(FocusManager, CutsWhatIsTooLargeAtItsFarEdges) {
     FakeHost machine;
     const host::HostScope scope(machine);

@@ -1,83 +1,55 @@
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
-#include <thread>
+#include <semaphore>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
+#include "Await.h"
 #include "vnSignalThread.h"
 
 namespace {
 
-using namespace std::chrono_literals;
-
-/// Counts its ticks; each may be held until the test lets it go.
+/// Counts its ticks; each takes a while, unless the test has given a leave for it.
 class CountingWorker : public vnSignalThread {
   public:
     ~CountingWorker() override { SignalThread_Stop(); }
-
     void SignalThread_Tick() override {
-        std::unique_lock lock(fMutex);
-        ++fTicks;
-        fChanged.notify_all();
-        fChanged.wait(lock, [this] { return !fHold; });
+        ++ticks;
+        std::ignore = leaves.try_acquire_for(std::chrono::milliseconds(100));
     }
 
-    bool WaitForTicks(int count) {
-        std::unique_lock lock(fMutex);
-        return fChanged.wait_for(lock, 30s, [&] { return fTicks >= count; });
-    }
-    void Hold(bool hold) {
-        std::lock_guard lock(fMutex);
-        fHold = hold;
-        fChanged.notify_all();
-    }
-    int Ticks() {
-        std::lock_guard lock(fMutex);
-        return fTicks;
-    }
-
-  private:
-    std::mutex fMutex;
-    std::condition_variable fChanged;
-    int fTicks = 0;
-    bool fHold = false;
+    std::atomic<int> ticks = 0;
+    std::counting_semaphore<> leaves{0};
 };
 
 TEST(SignalThread, RunsOneTickForEachSignalEvenDuringATick) {
     CountingWorker worker;
-    worker.Hold(true);
     ASSERT_NE(worker.SignalThread_Start(), nullptr);
     worker.SignalThread_Signal();
-    ASSERT_TRUE(worker.WaitForTicks(1));
+    ASSERT_TRUE(Await([&] { return worker.ticks == 1; }));
     worker.SignalThread_Signal();
     worker.SignalThread_Signal();
-    worker.Hold(false);
-    EXPECT_TRUE(worker.WaitForTicks(3));
+    worker.leaves.release(10);
+    EXPECT_TRUE(Await([&] { return worker.ticks == 3; }));
     worker.SignalThread_Stop();
-    EXPECT_EQ(worker.Ticks(), 3);
+    EXPECT_EQ(worker.ticks, 3);
 }
 
 TEST(SignalThread, AStoppedWorkerDoesNotTickAtOnceWhenItStartsAgain) {
     CountingWorker worker;
-    worker.Hold(true);
     worker.SignalThread_Start();
     worker.SignalThread_Signal();
-    ASSERT_TRUE(worker.WaitForTicks(1));
-    std::thread release([&worker] {
-        std::this_thread::sleep_for(
-            50ms); // Stop is to find the worker busy; any order gives the same result.
-        worker.Hold(false);
-    });
-    worker.SignalThread_Stop();
-    release.join();
+    ASSERT_TRUE(Await([&] { return worker.ticks == 1; }));
+    worker.SignalThread_Stop(); // Is to find the worker busy; any order gives the same result.
+    worker.SignalThread_Stop(); // May be repeated.
+    worker.leaves.release(10);
 
     worker.SignalThread_Start();
     worker.SignalThread_Signal();
-    ASSERT_TRUE(worker.WaitForTicks(2));
+    ASSERT_TRUE(Await([&] { return worker.ticks == 2; }));
     worker.SignalThread_Stop();
-    worker.SignalThread_Stop(); // May be repeated.
-    EXPECT_EQ(worker.Ticks(), 2);
+    EXPECT_EQ(worker.ticks, 2);
 }
 
 } // namespace

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <set>
 
 #include <gtest/gtest.h>
 
@@ -60,11 +59,6 @@ class BuiltinDisplays : public testing::Test, private host::RefreshListener {
         machine.RunLoopPort().Run();
         machine.RunLoopPort().RemoveTimer(bound);
         return reported;
-    }
-    host::Rect RectOf(host::WindowId window) {
-        host::Rect rect;
-        EXPECT_EQ(machine.WindowServerPort().ScreenRectForWindow(window, rect), 0);
-        return rect;
     }
 
     SetClock clock;
@@ -150,29 +144,6 @@ TEST_F(BuiltinDisplays, AreBlackOutsideOfBothAndRefuseAbsurdAreas) {
     EXPECT_EQ(machine.DisplaysPort().Picture({3.9, 3.9, 2.9, 1.9}, image), 0);
     EXPECT_EQ(image.width, 2);
     EXPECT_EQ(image.height, 1);
-}
-
-TEST_F(BuiltinDisplays, HoldAWindowEachThatGlidesAndIsSeenWhereItIsSaidToBe) {
-    for (const host::WindowId window : {1U, 2U}) {
-        clock.microseconds = 1'000'000;
-        const host::Rect before = RectOf(window);
-        const Colours picture = grab(machine, before);
-        clock.microseconds = 3'000'000; // A lap of its block later.
-        EXPECT_EQ(grab(machine, RectOf(window)), picture);
-        EXPECT_NE(grab(machine, before), picture) << "it has moved on";
-        clock.microseconds = 3'500'000;
-        EXPECT_NE(grab(machine, RectOf(window)), picture) << "something moves in it";
-
-        const host::Rect display = machine.DisplaysPort().Bounds(window);
-        for (clock.microseconds = 0; clock.microseconds < 8'000'000; clock.microseconds += 50'000) {
-            const host::Rect rect = RectOf(window);
-            EXPECT_TRUE(holds(display, rect.x, rect.y));
-            EXPECT_TRUE(holds(display, rect.x + rect.width - 1, rect.y + rect.height - 1));
-        }
-    }
-    host::Rect rect;
-    for (const host::WindowId unknown : {0U, 3U, 0xFFFFFFFFU})
-        EXPECT_NE(machine.WindowServerPort().ScreenRectForWindow(unknown, rect), 0);
 }
 
 } // namespace

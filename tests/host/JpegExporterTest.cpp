@@ -104,21 +104,4 @@ TEST(JpegExporter, RefusesGeometryThatNoPictureHas) {
     EXPECT_EQ(decoded(*block).width, 65500);
 }
 
-TEST(JpegExporter, LeavesTheBlockAsItWasWhenItFails) {
-    const auto pixels = gradient(32, 32, 128);
-    const auto exporter = host::NewJpegExporter(32, 32, 128);
-    const auto block = host::NewJpegBlock();
-    EXPECT_EQ(exporter->Export(), -1) << "no pixels, no block";
-    exporter->SetOutput(*block);
-    EXPECT_EQ(exporter->Export(), -1) << "no pixels";
-    EXPECT_EQ(block->Size(), 0U);
-    exporter->SetInputPixels(pixels.data());
-    ASSERT_EQ(exporter->Export(), 0);
-    const std::vector<uint8_t> before(block->Data(), block->Data() + block->Size());
-
-    exporter->SetInputPixels(nullptr);
-    EXPECT_EQ(exporter->Export(), -1);
-    EXPECT_EQ(std::vector<uint8_t>(block->Data(), block->Data() + block->Size()), before);
-}
-
 } // namespace

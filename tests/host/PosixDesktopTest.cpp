@@ -42,15 +42,6 @@ TEST(PosixDesktop, LanguagesComeFromTheEnvironment) {
     }
 }
 
-TEST(PosixDesktop, ResourcesLieBesideThePrograms) {
-    host::PosixDesktop desktop;
-    const std::string path = desktop.ResourcePath("languages/patois_tamarack_en.xml");
-    EXPECT_TRUE(std::filesystem::path(path).is_absolute()) << path;
-    EXPECT_TRUE(std::filesystem::exists(path)) << path;
-    EXPECT_EQ(desktop.ResourcePath("languages"), "") << "a folder is none";
-    EXPECT_EQ(desktop.ResourcePath("missing.xml"), "");
-}
-
 TEST(PosixDesktop, OpensWithTheUsersOpener) {
     // An opener of the test's own, in the place of the desktop's.
     const TestFolder home;

@@ -59,20 +59,6 @@ TEST(SoundConverter, BringsAnyRateToTheOneWanted) {
     }
 }
 
-TEST(SoundConverter, MixesAnyNumberOfChannelsDown) {
-    for (const size_t channels : {1U, 2U, 10U, 12U, 24U, 64U}) {
-        const double right = channels > 1 ? 0.25 : 0.5; // One channel is for both sides.
-        std::vector<double> levels(channels, 0.01);
-        levels[0] = 0.5;
-        if (channels > 1)
-            levels[1] = right;
-        const std::vector<int16_t> out =
-            Convert(Sines(48000, levels), 48000, static_cast<uint32_t>(channels));
-        EXPECT_NEAR(ToneMeter(out, 2, 0, kOutRate, 32768).Level(1000), 0.5, 0.01) << channels;
-        EXPECT_NEAR(ToneMeter(out, 2, 1, kOutRate, 32768).Level(1000), right, 0.01) << channels;
-    }
-}
-
 TEST(SoundConverter, MixesSurroundIntoBothSidesWithoutOverflow) {
     for (size_t channels = 3; channels <= 8; ++channels) {
         const auto count = static_cast<uint32_t>(channels);

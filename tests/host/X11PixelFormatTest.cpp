@@ -76,11 +76,4 @@ TEST(X11PixelFormat, ConvertsEveryTrueColourLayout) {
     }
 }
 
-TEST(X11PixelFormat, PadsRows) {
-    EXPECT_EQ(X11PixelFormat({16, 32, false, 0xF800, 0x7E0, 0x1F}).RowBytes(3), 8U);
-    EXPECT_EQ(X11PixelFormat({24, 32, false, 0xFF0000, 0xFF00, 0xFF}).RowBytes(5), 16U);
-    EXPECT_EQ(X11PixelFormat({24, 8, false, 0xFF0000, 0xFF00, 0xFF}).RowBytes(5), 15U);
-    EXPECT_EQ(X11PixelFormat({32, 32, false, 0xFF0000, 0xFF00, 0xFF}).RowBytes(32767), 131068U);
-}
-
 } // namespace

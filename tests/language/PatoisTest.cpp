@@ -2,17 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "FakeHost.h"
+#include "TestFolder.h"
 
 namespace {
-
-namespace fs = std::filesystem;
 
 /// A machine whose user has set up languages, with the program's own resources.
 class ReaderHost : public FakeHost {
@@ -28,97 +24,81 @@ class ReaderHost : public FakeHost {
         std::vector<std::string> languages;
         std::vector<std::string> PreferredLanguages() override { return languages; }
         std::string ResourcePath(const std::string& name) override {
-            return (fs::path(LANGUAGE_FILES).parent_path() / name).string();
+            return (std::filesystem::path(LANGUAGE_FILES).parent_path() / name).string();
         }
     };
     Scripted fDesktop;
 };
 
-/// A fresh folder of language files.
+/// A fresh folder of language files, the first of them "a.xml".
 class Patois : public testing::Test {
   protected:
-    void SetUp() override {
-        char name[] = "/tmp/glasspane_patois_XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
-        fFolder = name;
+    void Put(const char* name, const std::string& english) const {
+        fFolder.Write(name, "<patois><language id='de'><one s='eins'/></language><language id='en'>" +
+                                english + "</language></patois>");
     }
-    void TearDown() override { fs::remove_all(fFolder); }
 
-    std::string Put(const char* name, const std::string& text) const {
-        std::ofstream(fFolder / name) << text;
-        return fFolder / name;
-    }
-    static std::string Language(const char* id, const std::string& entries) {
-        return "<language id='" + std::string(id) + "'>" + entries + "</language>";
-    }
-    static std::string File(const std::string& languages) { return "<patois>" + languages + "</patois>"; }
-
-    fs::path fFolder;
+    const TestFolder fFolder;
+    const std::string fPath = fFolder / "a.xml";
     vnPatois fPatois;
 };
 
-std::string UserLanguage(const std::vector<std::string>& preferred) {
-    ReaderHost machine(preferred);
-    const host::HostScope scope(machine);
-    return vnPatois().GetUserLanguage("xx");
-}
+using Texts = std::vector<std::pair<const char*, const char*>>;
 
 } // namespace
 
 TEST_F(Patois, LooksTextsUpByKey) {
-    const std::string entries =
-        "<both s='s' mac='own'/><one s='text'/><other mac='only'/><neither x='y'/>"
-        "<number s='800'/><umlaut s='\xC3\xA4 &amp; &lt;'/><none s=''/><one s='second'/>";
-    fPatois.SetBasePath(
-        Put("a.xml", File(Language("de", "<one s='eins'/>") + Language("en", entries))).c_str());
+    Put("a.xml", "<both s='s' mac='own'/><one s='text'/><other mac='only'/><neither x='y'/>"
+                 "<number s='800'/><umlaut s='\xC3\xA4 &amp; &lt;'/><none s=''/><one s='second'/>");
+    fPatois.SetBasePath(fPath.c_str());
     const char* const kKey = "neither";
     EXPECT_EQ(fPatois.Lookup(kKey), kKey) << "nothing is loaded yet";
-    fPatois.LoadLanguage("en");
-    const std::pair<const char*, const char*> kTexts[] = {{"both", "own"},   {"one", "text"},
-                                                          {"other", "only"}, {"neither", "neither"},
-                                                          {"number", "800"}, {"umlaut", "\xC3\xA4 & <"},
-                                                          {"none", ""},      {"unknown", "unknown"}};
-    for (const auto& [key, text] : kTexts)
-        EXPECT_STREQ(fPatois.Lookup(key), text);
-    EXPECT_EQ(fPatois.Lookup(kKey), kKey);
     EXPECT_EQ(fPatois.Lookup(nullptr), nullptr);
-
-    fPatois.LoadLanguage("de");
-    EXPECT_STREQ(fPatois.Lookup("one"), "eins");
-    EXPECT_STREQ(fPatois.Lookup("both"), "both") << "no fall-back for a single key";
-    for (const char* empty : {static_cast<const char*>(nullptr), ""}) {
-        fPatois.LoadLanguage(empty);
-        EXPECT_STREQ(fPatois.CurrentLanguage(), "en");
-        EXPECT_STREQ(fPatois.Lookup("one"), "text");
+    const struct {
+        const char *language, *loaded;
+        Texts texts;
+    } kCases[] = {
+        {"en",
+         "en",
+         {{"both", "own"},
+          {"one", "text"},
+          {"other", "only"},
+          {"neither", "neither"},
+          {"number", "800"},
+          {"umlaut", "\xC3\xA4 & <"},
+          {"none", ""},
+          {"unknown", "unknown"}}},
+        {"de", "de", {{"one", "eins"}, {"both", "both"}}}, // no fall-back for a single key
+        {nullptr, "en", {{"one", "text"}}},
+        {"fr", "fr", {{"one", "one"}}},
+        {"", "en", {{"one", "text"}}},
+    };
+    for (const auto& [language, loaded, texts] : kCases) {
+        fPatois.LoadLanguage(language);
+        EXPECT_STREQ(fPatois.CurrentLanguage(), loaded);
+        for (const auto& [key, text] : texts)
+            EXPECT_STREQ(fPatois.Lookup(key), text) << loaded;
     }
-    fPatois.LoadLanguage("fr");
-    EXPECT_STREQ(fPatois.CurrentLanguage(), "fr");
-    EXPECT_STREQ(fPatois.Lookup("one"), "one");
 }
 
 TEST_F(Patois, WhatCannotBeReadLeavesKeys) {
-    const std::vector<std::string> paths{"",
-                                         "x",
-                                         "/",
-                                         "/nowhere/a.xml",
-                                         Put("broken.xml", "<patois><language"),
-                                         Put("other.xml", "<other/>"),
-                                         fFolder.string()};
-    for (const std::string& path : paths) {
+    fFolder.Write("broken.xml", "<patois><language");
+    fFolder.Write("other.xml", "<other/>");
+    for (const std::string& path :
+         {std::string(), std::string("x"), std::string("/"), std::string("/nowhere/a.xml"),
+          (fFolder / "broken.xml").string(), (fFolder / "other.xml").string(), fFolder.Path().string()}) {
         fPatois.SetBasePath(path.c_str());
         fPatois.LoadLanguage("en");
         EXPECT_STREQ(fPatois.Lookup("key"), "key") << path;
     }
-    fPatois.SetBasePath(nullptr);
-    fPatois.LoadLanguage("en");
 }
 
 TEST_F(Patois, SiblingsAddTexts) {
-    const std::string path = Put("a.xml", File(Language("en", "<one s='1'/>")));
-    Put("a.xml2", File(Language("en", "<two s='2'/>")));
-    Put("a.xxx", File(Language("en", "<three s='3'/>")));
-    Put("b.xml", File(Language("en", "<four s='4'/>")));
-    fPatois.SetBasePath(path.c_str());
+    Put("a.xml", "<one s='1'/>");
+    Put("a.xml2", "<two s='2'/>");
+    Put("a.xxx", "<three s='3'/>");
+    Put("b.xml", "<four s='4'/>");
+    fPatois.SetBasePath(fPath.c_str());
     fPatois.LoadLanguage("en");
     EXPECT_STREQ(fPatois.Lookup("one"), "1");
     EXPECT_STREQ(fPatois.Lookup("two"), "2");
@@ -127,35 +107,28 @@ TEST_F(Patois, SiblingsAddTexts) {
 }
 
 TEST_F(Patois, MacrosStandForTheProgram) {
-    const std::string path =
-        Put("a.xml", File(Language("en", "<about s='About #APPLICATION_NAME#'/>"
-                                         "<all s='#APPLICATION_PRO_NAME##APPLICATION_STD_NAME#"
-                                         "#APPLICATION_LITE_NAME#|#COMPANY_NAME#|"
-                                         "#SUPPORT_EMAIL#|#COMPANY_WEBSITE#'/>")));
-    Put("oem.xml", File(Language("en", "<about s='Other'/><more s='added'/>")));
-    fPatois.SetBasePath(path.c_str());
-    fPatois.LoadLanguage("en");
-    EXPECT_STREQ(fPatois.Lookup("about"), "About ");
-
+    Put("a.xml", "<about s='About #APPLICATION_NAME#'/>"
+                 "<all s='#APPLICATION_PRO_NAME##APPLICATION_STD_NAME##APPLICATION_LITE_NAME#|"
+                 "#COMPANY_NAME#|#SUPPORT_EMAIL#|#COMPANY_WEBSITE#'/>");
+    Put("oem.xml", "<about s='Other'/><more s='added'/>");
     eAppInfo info;
-    const std::pair<const char*, const char*> kInfo[] = {{"name", "Name"},
-                                                         {"proProductName", "P"},
-                                                         {"standardProductName", "S"},
-                                                         {"liteProductName", "L"},
-                                                         {"company", "C"},
-                                                         {"supportEmail", "E"},
-                                                         {"website", "W"},
-                                                         {"patoisBaseOEM", "oem.xml"},
-                                                         {"restrictToLanguages", "en,pt_BR"}};
+    const Texts kInfo{{"name", "Name"},
+                      {"proProductName", "P"},
+                      {"standardProductName", "S"},
+                      {"liteProductName", "L"},
+                      {"company", "C"},
+                      {"supportEmail", "E"},
+                      {"website", "W"},
+                      {"patoisBaseOEM", "oem.xml"},
+                      {"restrictToLanguages", "en,pt_BR"}};
     for (const auto& [key, text] : kInfo)
         info.record.SetCString(key, text);
-    fPatois.Initialize(info, path.c_str());
+    fPatois.Initialize(info, fPath.c_str());
     fPatois.LoadLanguage("en");
     EXPECT_STREQ(fPatois.Lookup("about"), "About Name") << "the other file can only add";
     EXPECT_STREQ(fPatois.Lookup("all"), "PSL|C|E|W");
     EXPECT_STREQ(fPatois.Lookup("more"), "added");
     EXPECT_STREQ(fPatois.restrictToLanguages("pt_BR"), "pt_BR");
-    EXPECT_STREQ(fPatois.restrictToLanguages("de"), "en");
 
     ReaderHost machine({"de"});
     const host::HostScope scope(machine);
@@ -164,39 +137,31 @@ TEST_F(Patois, MacrosStandForTheProgram) {
 
 TEST(PatoisLanguage, IsTheUsersBest) {
     const std::pair<std::vector<std::string>, const char*> kUsers[] = {
-        {{}, "xx"},
+        {{}, "longer t"}, // eight characters of the default
         {{"de_AT", "en_GB"}, "de"},
         {{"DE"}, "de"},
         {{"ja_JP"}, "jp"},
         {{"he_IL"}, "iw"},
-        {{"iw"}, "iw"},
-        {{"pt_BR"}, "pt_BR"},
         {{"pt_PT"}, "pt_BR"},
-        {{"en_US"}, "en"},
-        {{"nb_NO", "sv_SE"}, "sv"}, // what isn't offered is passed over
-        {{"fi_FI", "sv_SE"}, "xx"}, // Finnish is offered, but has no texts
-        {{"zh_CN", "ko"}, "xx"},
+        {{"nb_NO", "sv_SE"}, "sv"},       // what isn't offered is passed over
+        {{"fi_FI", "sv_SE"}, "longer t"}, // Finnish is offered, but has no texts
         {{"", "_", "cs-CZ"}, "cs"},
     };
-    for (const auto& [preferred, code] : kUsers)
-        EXPECT_EQ(UserLanguage(preferred), code);
-    ReaderHost machine({});
-    const host::HostScope scope(machine);
-    EXPECT_STREQ(vnPatois().GetUserLanguage("longer than eight"), "longer t");
+    for (const auto& [preferred, code] : kUsers) {
+        ReaderHost machine(preferred);
+        const host::HostScope scope(machine);
+        EXPECT_STREQ(vnPatois().GetUserLanguage("longer than eight"), code);
+    }
 }
 
 TEST(PatoisLanguage, IsLoadedAtLaunch) {
-    const struct {
-        const char *preferred, *code, *pause;
-    } kUsers[] = {{"en_US", "en", "Pause"}, {"sv", "sv", "Pausa"}, {"pt_BR", "pt_BR", "Pausar"}};
-    for (const auto& user : kUsers) {
-        ReaderHost machine({user.preferred});
+    const std::pair<const char*, const char*> kUsers[] = {
+        {"en_US", "Pause"}, {"sv", "Pausa"}, {"pt_BR", "Pausar"}};
+    for (const auto& [language, pause] : kUsers) {
+        ReaderHost machine({language});
         const host::HostScope scope(machine);
         vnPatois::StartupForUser();
-        EXPECT_STREQ(vnPatois::Default()->CurrentLanguage(), user.code);
-        EXPECT_STREQ(vnPatois::Default()->Lookup("vn_pause"), user.pause);
+        EXPECT_STREQ(vnPatois::Default()->Lookup("vn_pause"), pause);
     }
-    vnPatois::Startup();
-    EXPECT_STREQ(vnPatois::Default()->Lookup("vn_pause"), "vn_pause");
     vnPatois::Shutdown();
 }

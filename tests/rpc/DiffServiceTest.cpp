@@ -243,7 +243,6 @@ TEST_F(DiffServiceTest, AddsTheSoundSinceTheLastCall) {
         ASSERT_EQ(attachments.Count(), static_cast<unsigned>(section));
         const zRecord& sound = *multipart.Child(section);
         const int bytes = attachments[static_cast<unsigned>(section) - 1]->Size();
-        EXPECT_EQ(sound.AsInt32("__data_size", 0), bytes);
         EXPECT_STREQ(sound.AsCString("Content-Type", ""), "audio/raw");
         EXPECT_STREQ(sound.AsCString("Audio-Content-ID", ""), "<id_audio>");
         EXPECT_NEAR(bytes, 44100 * 4, 400);
@@ -261,19 +260,6 @@ TEST_F(DiffServiceTest, AddsTheSoundSinceTheLastCall) {
     EXPECT_EQ(attachments.Count(), 0U);
     front.EnableAudio(true);
     EXPECT_TRUE(AwaitSound()) << "a new source";
-}
-
-TEST_F(DiffServiceTest, ASoundServerThatHangsHoldsUpNobody) {
-    machine.Hang(true);
-    const auto start = std::chrono::steady_clock::now();
-    for (const bool enabled : {true, true, false, true}) {
-        front.EnableAudio(enabled);
-        ASSERT_EQ(Call(0, {}, kWithAudio), 0);
-        EXPECT_EQ(Pictures(), 1U);
-    }
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
-    machine.Hang(false);
-    EXPECT_TRUE(AwaitSound());
 }
 
 TEST_F(DiffServiceTest, EachReplyThatHasLeftIsOneTick) {

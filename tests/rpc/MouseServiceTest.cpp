@@ -35,32 +35,6 @@ TEST_F(MouseServiceTest, NumbersShapesByTheirPixels) {
     EXPECT_EQ(attachments[0]->Size(), 3 * 4 * 4);
 }
 
-TEST_F(MouseServiceTest, AHiddenPointerChangesNothing) {
-    machine.pointerVisible = false;
-    zPoint location(7, 8);
-    uint32_t id = 99;
-    EXPECT_EQ(mouse->MouseInfo(location, id), -1);
-    EXPECT_EQ(location, zPoint(7, 8));
-    EXPECT_EQ(id, 99U);
-    EXPECT_EQ(Ask(1), -1);
-    machine.pointerVisible = true;
-    EXPECT_EQ(Look(4, 4, 1), 1U);
-}
-
-TEST_F(MouseServiceTest, HandsOutAShapeWithItsDescription) {
-    machine.pointerLocation = {20, 10};
-    machine.hotSpot = {2, 1};
-    Look(5, 3, 1);
-    Look(5, 3, 200);
-    ASSERT_EQ(Ask(2), 0);
-
-    EXPECT_EQ(ReplyXML(), "<response instance=\"4000000000\" width=\"5\" height=\"3\" rowbytes=\"20\" "
-                          "colorspace=\"1650946657\" section_rect_1=\"0,0,4,2\" "
-                          "mouse_shape=\"cid:id_mouse_shape\" error=\"0\" />\n");
-    ASSERT_EQ(attachments.Count(), 1U);
-    EXPECT_EQ(attachments[0]->Data()[59], 200);
-}
-
 TEST_F(MouseServiceTest, AnUnknownNumberFails) {
     Look(4, 4, 1);
     for (const uint32_t id : {0U, 2U, 0xFFFFFFFFU}) {

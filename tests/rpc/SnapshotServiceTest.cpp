@@ -90,12 +90,6 @@ TEST_F(SnapshotServiceTest, AbsurdCropsFailAndDoNoHarm) {
     EXPECT_EQ(Call("Snapshot"), 0);
 }
 
-TEST_F(SnapshotServiceTest, WithoutAnEncoderThePictureIsEmpty) {
-    machine.hasExporter = false;
-    ASSERT_EQ(Call("Snapshot"), 0);
-    EXPECT_EQ(attachments[0]->Size(), 0);
-}
-
 TEST_F(SnapshotServiceTest, ReadsTheQualityInAnyCase) {
     zRecord parameters;
     int sizes[3];

@@ -32,12 +32,6 @@ TEST_F(LaunchTest, AsksWhetherToEndWhenThePortIsTaken) {
     EXPECT_EQ(interface.panelsShown, 1);
 }
 
-TEST_F(LaunchTest, WarnsOfAFirewall) {
-    machine.isFirewalled = true;
-    Launch();
-    EXPECT_THAT(AlertTitles(), ElementsAre("vn_firewall_title"));
-}
-
 TEST_F(LaunchTest, OffersTheDriverWhereItIsMissingAndCameWithTheProgram) {
     const struct {
         bool installed, leftOut, installer;
@@ -78,17 +72,6 @@ TEST_F(LaunchTest, ServesWithoutDisplaysAndWindows) {
     panel().Press(muteButton);
     ASSERT_EQ(controller.Server()->WaitUntilListening(), 0);
     EXPECT_TRUE(TestClient(controller.Server()->Port()).Call("CheckConnection"));
-}
-
-TEST_F(LaunchTest, EndsOnce) {
-    Launch();
-    controller.quitMessage();
-    EXPECT_TRUE(machine.stopped);
-    controller.applicationWillTerminate();
-    EXPECT_EQ(controller.Server(), nullptr);
-    controller.applicationWillTerminate();
-    EXPECT_EQ(machine.openFramebuffers, 0);
-    panel().Press(muteButton); // Nobody listens any more.
 }
 
 } // namespace

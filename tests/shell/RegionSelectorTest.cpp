@@ -4,45 +4,35 @@
 
 namespace {
 
-using testing::ElementsAre;
-
-/// Notes what the overlay asks of its window and canvas.
+/// Notes the cursor that the overlay asks its window for.
 class NotingInterface : public vnUserInterface {
   public:
-    struct Notes {
-        host::Rect frame;
-        std::vector<double> alphas;
-        vnCursor cursor = vnCursor::kArrow;
-        bool exists = false;
-    } notes;
+    vnCursor cursor = vnCursor::kArrow;
 
     std::unique_ptr<vnRegionSelectorWindow> NewRegionSelectorWindow(vnRegionSelectorView&) override {
-        return std::make_unique<Window>(notes);
+        return std::make_unique<Window>(cursor);
     }
 
   private:
     class Window : public vnRegionSelectorWindow {
       public:
-        explicit Window(Notes& notes) : fNotes(notes) { fNotes.exists = true; }
-        ~Window() override { fNotes.exists = false; }
-        void Open(const host::Rect& frame) override { fNotes.frame = frame; }
-        void SetAlpha(double alpha) override { fNotes.alphas.push_back(alpha); }
-        void SetCursor(vnCursor cursor) override { fNotes.cursor = cursor; }
+        explicit Window(vnCursor& cursor) : fCursor(cursor) {}
+        void Open(const host::Rect&) override {}
+        void SetAlpha(double) override {}
+        void SetCursor(vnCursor cursor) override { fCursor = cursor; }
 
       private:
-        Notes& fNotes;
+        vnCursor& fCursor;
     };
 };
 
-class RegionSelectorTest : public testing::Test, private vnRegionSelectorDelegate {
+class RegionSelectorTest : public testing::Test {
   protected:
     RegionSelectorTest() {
-        selector.SetDelegate(this);
         selector.SetScreen(host::Rect{1000, 50, 640, 480});
         selector.SetSelection({1100, 100, 200, 150}); // (100, 100) in the view
         selector.Show();
     }
-    void selectionComplete(const host::Rect& selection) override { completed.push_back(selection); }
 
     void Drag(const host::Point& from, const host::Point& to) {
         view.MouseDown(from);
@@ -56,31 +46,7 @@ class RegionSelectorTest : public testing::Test, private vnRegionSelectorDelegat
     NotingInterface interface;
     vnRegionSelector selector{interface, "the hint"};
     vnRegionSelectorView& view = selector.View();
-    std::vector<host::Rect> completed;
 };
-
-TEST_F(RegionSelectorTest, FadesInAndOutInThirtyTicksEach) {
-    EXPECT_EQ(interface.notes.frame, (host::Rect{1000, 50, 640, 480}));
-    machine.Tick(29);
-    EXPECT_LT(interface.notes.alphas.back(), 1);
-    machine.Tick(1);
-    EXPECT_EQ(interface.notes.alphas.back(), 1);
-    EXPECT_EQ(machine.TimerCount(), 0U);
-
-    view.KeyDown('x');
-    EXPECT_TRUE(completed.empty());
-    view.KeyDown(3);
-    EXPECT_THAT(completed, ElementsAre(host::Rect{1100, 100, 200, 150})) << "told at once, while it fades";
-    EXPECT_FALSE(selector.GetSelectionWasCancelled());
-    machine.Tick(29);
-    view.KeyDown(3);
-    view.CancelOperation();
-    EXPECT_EQ(completed.size(), 1U) << "keys count once";
-    EXPECT_TRUE(interface.notes.exists);
-    machine.Tick(1);
-    EXPECT_FALSE(interface.notes.exists);
-    EXPECT_EQ(machine.TimerCount(), 0U);
-}
 
 TEST_F(RegionSelectorTest, HasEightHandlesAndTheirCursors) {
     const struct {
@@ -98,7 +64,7 @@ TEST_F(RegionSelectorTest, HasEightHandlesAndTheirCursors) {
     for (const auto& c : kCases) {
         view.MouseMoved(c.place);
         EXPECT_EQ(view.SelectedCorner(), c.corner) << c.place.x << "," << c.place.y;
-        EXPECT_EQ(interface.notes.cursor, c.cursor) << c.place.x << "," << c.place.y;
+        EXPECT_EQ(interface.cursor, c.cursor) << c.place.x << "," << c.place.y;
     }
     EXPECT_EQ(view.RectForCorner(9), (host::Rect{-7, -7, 14, 14}));
     view.SetSelection({100, 100, 10, 10});
@@ -137,9 +103,9 @@ TEST_F(RegionSelectorTest, DragsWithinTheDisplay) {
     EXPECT_EQ(view.Selection(), (host::Rect{100, 100, 20, 20})) << "a click changes nothing";
     view.SetSelection(start);
     view.MouseDown({200, 175});
-    EXPECT_EQ(interface.notes.cursor, vnCursor::kClosedHand);
+    EXPECT_EQ(interface.cursor, vnCursor::kClosedHand);
     view.MouseUp();
-    EXPECT_EQ(interface.notes.cursor, vnCursor::kOpenHand);
+    EXPECT_EQ(interface.cursor, vnCursor::kOpenHand);
 }
 
 } // namespace

@@ -19,17 +19,13 @@ class FakeHost : public host::Host,
     int pictureResult = 0;
     int scale = 1; ///< Pixels of a picture for one of the rectangle, each way.
     bool pointerVisible = true;
-    bool pointerInFramebuffer = false;
     host::Point pointerLocation{20, 10};
     host::Point hotSpot{2, 1};
     int pointerWidth = 4;
     int pointerHeight = 3;
     std::vector<uint8_t> pointerPixels = std::vector<uint8_t>(4 * 3 * 4, 7);
-    uint32_t pointerSeed = 1;
     uint32_t systemVersion = 0x1080;
     int64_t microseconds = 0;
-    bool hasExporter = true;
-    bool hasFramebuffer = true;
     bool captured = false; ///< Nobody hears what changes.
 
     // What the test counts.
@@ -37,7 +33,6 @@ class FakeHost : public host::Host,
     int openFramebuffers = 0;
     std::vector<host::RefreshListener*> refreshListeners;
     std::vector<host::DisplaysListener*> displaysListeners;
-    int pointerPictures = 0;
 
     /// The bytes b, g and r at a place of the desktop, bottom to top bits; the fourth byte is garbage on
     /// purpose.
@@ -66,7 +61,7 @@ class FakeHost : public host::Host,
     host::Clock& ClockPort() override { return *this; }
     host::RunLoop& RunLoopPort() override { return *this; }
     std::unique_ptr<host::PictureExporter> NewPictureExporter(int width, int height, int rowBytes) override {
-        return hasExporter ? host::NewJpegExporter(width, height, rowBytes) : nullptr;
+        return host::NewJpegExporter(width, height, rowBytes);
     }
     std::unique_ptr<host::PictureBlock> NewPictureBlock() override { return host::NewJpegBlock(); }
 
@@ -121,7 +116,7 @@ class FakeHost : public host::Host,
     }
 
     std::unique_ptr<host::Framebuffer> OpenFramebuffer(host::DisplayId id) override {
-        if (id < 1 || id > displays.size() || !hasFramebuffer)
+        if (id < 1 || id > displays.size())
             return nullptr;
         ++openFramebuffers;
         return std::make_unique<FakeFramebuffer>(*this, displays[id - 1]);
@@ -141,14 +136,13 @@ class FakeHost : public host::Host,
     bool IsCaptured(host::DisplayId) override { return captured; }
 
     bool IsVisible() override { return pointerVisible; }
-    bool IsDrawnInFramebuffer() override { return pointerInFramebuffer; }
+    bool IsDrawnInFramebuffer() override { return false; }
     int Location(host::Point& location) override {
         location = pointerLocation;
         return 0;
     }
-    uint32_t Seed() override { return pointerSeed; }
+    uint32_t Seed() override { return 1; }
     int Picture(host::PointerPicture& picture) override {
-        ++pointerPictures;
         picture = {pointerPixels.data(), pointerWidth, pointerHeight, hotSpot};
         return 0;
     }

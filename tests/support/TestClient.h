@@ -64,8 +64,6 @@ class TestClient {
         return true;
     }
 
-    /// Says that nothing more will be sent.
-    void EndOfStream() { shutdown(fDescriptor, SHUT_WR); }
     void Close() {
         if (fDescriptor >= 0)
             close(fDescriptor);

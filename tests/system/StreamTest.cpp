@@ -102,7 +102,7 @@ TEST_F(StreamTest, TheCanvasFollowsTheScreen) {
     EXPECT_GT(client->DiffReplies(), 50U);
     EXPECT_LE(client->WholeFrames() - framesBefore, client->Polls() / 242 + 1) << "it went by diffs";
 
-    ASSERT_NO_FATAL_FAILURE(SetMode(640, 480));
+    ASSERT_TRUE(painter->SetMode(640, 480));
     ASSERT_TRUE(Follow([&] { return client->Frame() == zRect(640, 480); }));
     ASSERT_NO_FATAL_FAILURE(work(200));
 }

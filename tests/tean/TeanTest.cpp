@@ -20,25 +20,17 @@ std::string decoded(std::string text, const zTeanKey& key) {
 
 TEST(Tean, EverySizeComesBackAndKeepsItsLength) {
     const zTeanKey key("a key of some length");
-    for (size_t size = 0; size <= 41; ++size) {
+    for (size_t size = 1; size <= 41; ++size) {
         std::string text;
         for (size_t i = 0; i < size; ++i)
             text += static_cast<char>(i * 37 + size);
         const std::string secret = encoded(text, key);
         EXPECT_EQ(secret.size(), size);
+        EXPECT_NE(secret, text);
         EXPECT_EQ(decoded(secret, key), text) << size;
-        if (size > 0) {
-            EXPECT_NE(secret, text) << size;
-        }
     }
-}
-
-TEST(Tean, ATailIsCoveredByEncipheringTheLastEightBytesAgain) {
-    const zTeanKey key("k");
-    const std::string secret = encoded("0123456789", key);
-    // The first block is enciphered alone up to where the last eight bytes begin.
-    EXPECT_EQ(secret.substr(0, 2), encoded("01234567abcdefgh", key).substr(0, 2));
-    EXPECT_NE(secret.substr(8), "89");
+    EXPECT_EQ(encoded("0123456789", key).substr(0, 2), encoded("01234567abcdefgh", key).substr(0, 2))
+        << "the last eight bytes cover a tail, the first block is enciphered alone up to them";
 }
 
 TEST(Tean, SixteenCharactersOfTheKeyCount) {

@@ -29,13 +29,10 @@ TEST(Babel, UnmappableCharactersFailOrBecomeTheLossByte) {
         unsigned int set;
         const char *utf8, *loss, *expected; // A null expectation: fails.
     } cases[] = {
-        {zBabel::kISOLatin1, "a\xE3\x83\x86z", nullptr, nullptr},
         {zBabel::kISOLatin1, "a\xE3\x83\x86z", "?", "a?z"},
         {zBabel::kMacRoman, "a\xE2\x80\x8Bz", nullptr, nullptr}, // an invisible character is one too
-        {zBabel::kMacRoman, "a\xE2\x80\x8Bz", "?", "a?z"},
         {zBabel::kMacJapanese, "\xC3\xA9", "_", "_"},
         {zBabel::kISOLatin1, "\xFF", "?", nullptr},
-        {zBabel::kISOLatin1, "", nullptr, nullptr},
         {1, "a", nullptr, nullptr},
     };
     for (const auto& c : cases) {
@@ -55,8 +52,6 @@ TEST(Babel, WideTextEndsAtItsZeroUnitOrItsLimit) {
     const std::vector<unsigned short> endless(zBabel::kWideLimit + 100, 'x');
     EXPECT_EQ(zBabel::ConvertWideToUTF8(back, endless.data(), -1), 0);
     EXPECT_EQ(back.Length(), 409601U);
-    EXPECT_EQ(zBabel::ConvertWideToUTF8(back, units, 0), 0);
-    EXPECT_STREQ(back, "");
 }
 
 TEST(Babel, ComparesByItsFlags) {

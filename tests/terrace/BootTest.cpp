@@ -32,6 +32,7 @@ void start_a_on_b() {
 // The shutdown that the tests' main program runs in the end cannot be seen from here, so this test runs the
 // registry through lives of its own and boots the library again afterwards.
 TEST(Boot, ModulesStartByDependencyAndStopInReverse) {
+    gCalls.clear();
     zBoot::Shutdown();
     zBoot(start<'N'>, stop<'N'>, z4CCCC("tstN"));
     zBoot::Shutdown();

@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
-#include <memory>
 #include <string>
 
+#include "TestFolder.h"
 #include "zBuffer.h"
 #include "zBufferStream.h"
 #include "zFileStream.h"
@@ -13,21 +11,6 @@
 #include "zResult.h"
 
 namespace {
-
-/// A file that goes away with the test.
-class TemporaryFile {
-  public:
-    TemporaryFile() {
-        EXPECT_EQ(zFileStream::CreateTemporaryFile(
-                      fPath, ("glasspane_test_" + std::to_string(getpid()) + "_%ld").c_str()),
-                  0);
-    }
-    ~TemporaryFile() { zFileStream::RemoveFile(fPath); }
-    operator const char*() const { return fPath; }
-
-  private:
-    zString fPath;
-};
 
 std::string contents(zStream& stream) {
     char* data = nullptr;
@@ -50,28 +33,13 @@ std::string pattern(size_t size) {
 TEST(MemoryStream, ReadsAndWritesAcrossChunks) {
     const std::string text = pattern(100);
     zMemoryStream stream(7);
-    unsigned int written = 0;
-    EXPECT_EQ(stream.Write(text.c_str(), kWholeText, &written), 0);
-    EXPECT_EQ(written, 100U);
-    EXPECT_EQ(contents(stream), text);
+    stream.Write(text.c_str());
     stream.Seek(5, zStream::kFromStart);
     stream.Write("#########", 9);
     EXPECT_EQ(contents(stream), std::string(text).replace(5, 9, "#########"));
     stream.Seek(10, zStream::kFromStart);
     EXPECT_EQ(stream.Truncate(), 0);
     EXPECT_EQ(contents(stream), text.substr(0, 5) + "#####");
-}
-
-TEST(MemoryStream, ReadOnlyMemoryTakesNoBytes) {
-    char memory[] = "abc";
-    zMemoryStream stream;
-    stream.Write("old text");
-    stream.SetReadOnlyBuffer(memory, 3);
-    EXPECT_EQ(contents(stream), "abc");
-    EXPECT_NE(stream.Write("x"), 0);
-    EXPECT_NE(stream.Truncate(), 0);
-    stream.Close();
-    EXPECT_EQ(contents(stream), "") << "its size is kept, its bytes are gone";
 }
 
 TEST(MemoryStreams, SeekByOneRule) {
@@ -105,72 +73,40 @@ TEST(MemoryStreams, SeekByOneRule) {
     }
 }
 
-TEST(MemPtrStream, WritesNoFurtherThanItsMemory) {
-    char memory[5] = "....";
-    zMemPtrStream stream(memory, 4);
-    unsigned int written = 0;
-    EXPECT_EQ(stream.Write("0123456789", 10, &written), 0);
-    EXPECT_EQ(written, 4U);
-    EXPECT_STREQ(memory, "0123");
-}
-
 TEST(BufferStream, GrowsInStepsAndTrims) {
     zBuffer buffer;
     zBufferStream stream(buffer, 4096);
-    stream.Write("x", 1);
-    EXPECT_EQ(buffer.Size(), 4096U);
-    EXPECT_EQ(contents(stream), "x");
     const std::string text = pattern(5000);
     stream.Write(text.c_str());
     EXPECT_EQ(buffer.Size(), 8192U);
+    EXPECT_EQ(contents(stream), text);
     stream.ResizeBufferToFit();
-    EXPECT_EQ(std::string(buffer.Data(), buffer.Size()), "x" + text);
+    EXPECT_EQ(std::string(buffer.Data(), buffer.Size()), text);
 }
 
-TEST(Stream, FastReadHandsOverBlocksAndStopsOnRequest) {
-    zMemoryStream stream(10);
-    stream.Write(pattern(25).c_str());
-    stream.Seek(0, zStream::kFromStart);
-    std::string seen;
-    const auto take = [](void* context, const char* data, unsigned int size, bool last) {
-        static_cast<std::string*>(context)->append(data, size).append(last ? "." : "");
-        return 0;
-    };
-    EXPECT_EQ(stream.FastRead(&seen, take), 0);
-    EXPECT_EQ(seen, pattern(25) + ".");
-    stream.Seek(0, zStream::kFromStart);
-    EXPECT_EQ(stream.FastRead(nullptr, [](void*, const char*, unsigned int, bool) { return -7; }), -7);
-}
-
-TEST(Stream, AnExactCopyReplacesAllAndGoesBackToItsPlace) {
-    zMemoryStream from(3);
-    zMemoryStream to(5);
-    from.Write("0123456789");
-    to.Write("a longer text than that");
-    from.Seek(4, zStream::kFromStart);
-    EXPECT_EQ(zStream::ExactCopy(to, from, 4), 0);
-    EXPECT_EQ(from.Position(), 4U);
-    EXPECT_EQ(contents(to), "0123456789");
-}
-
-TEST(Stream, AssignmentCopiesBytesAndNothingElse) {
+TEST(Stream, CopiesTakeBytesAndNothingElse) {
     zMemoryStream from(3);
     from.Write("0123456789");
     zMemoryStream chunks(4);
-    chunks = from;
+    chunks.Write("a longer text than that");
+    from.Seek(4, zStream::kFromStart);
+    EXPECT_EQ(zStream::ExactCopy(chunks, from, 4), 0);
+    EXPECT_EQ(from.Position(), 4U) << "back in its place";
+    EXPECT_EQ(contents(chunks), "0123456789");
     zStream& same = chunks;
     chunks = same;
     EXPECT_EQ(contents(chunks), "0123456789");
     EXPECT_EQ(chunks.OptimalBufferSize(), 4U) << "each keeps its own chunks";
-    char memory[4];
-    zMemPtrStream pointer(memory, sizeof memory);
+    char memory[5] = "";
+    zMemPtrStream pointer(memory, 4);
     pointer = from;
-    EXPECT_EQ(contents(pointer), "0123") << "cut short at the end of the memory";
+    EXPECT_STREQ(memory, "0123") << "cut short at the end of the memory";
 }
 
 TEST(FileStream, WritesReadsUpdatesAndAppends) {
-    const TemporaryFile path;
-    zFileStream file(path, zFileStream::kWriteFile);
+    const TestFolder folder;
+    const std::string path = folder / "file";
+    zFileStream file(path.c_str(), zFileStream::kWriteFile);
     ASSERT_EQ(file.Open(), 0);
     EXPECT_EQ(file.Write("0123456789"), 0);
     file.SetAbility(zFileStream::kUpdateFile);
@@ -178,46 +114,26 @@ TEST(FileStream, WritesReadsUpdatesAndAppends) {
     file.Seek(-1, zStream::kFromEnd);
     EXPECT_EQ(file.Position(), 9U) << "from the end counts forwards on a file";
     file.Write("x");
-    EXPECT_EQ(contents(file), "012345678x");
+    char bytes[32];
+    unsigned int count = 0;
+    file.Seek(7, zStream::kFromStart);
+    EXPECT_EQ(file.Read(bytes, sizeof bytes, &count), result::kEndOfStream) << "together with the last bytes";
+    EXPECT_EQ(count, 3U);
 
-    zFileStream log(path, zFileStream::kUpdateFile, true);
+    zFileStream log(path.c_str(), zFileStream::kUpdateFile, true);
     ASSERT_EQ(log.Open(), 0);
     log.Write("+");
     log.Close();
-    zBuffer all;
-    EXPECT_EQ(zFileStream::ReadEntireFile(path, all), 0);
-    EXPECT_EQ(std::string(all.Data(), all.Size()), "012345678x+");
-}
-
-TEST(FileStream, ReportsTheEndTogetherWithTheLastBytes) {
-    const TemporaryFile path;
-    zFileStream file(path, zFileStream::kWriteFile);
-    ASSERT_EQ(file.Open(), 0);
-    file.Write("abc");
-    file.SetAbility(zFileStream::kReadFile);
-    ASSERT_EQ(file.Open(), 0);
-    char bytes[8];
-    unsigned int count = 0;
-    EXPECT_EQ(file.Read(bytes, sizeof bytes, &count), result::kEndOfStream);
-    EXPECT_EQ(count, 3U);
+    EXPECT_EQ(folder.Read("file"), "012345678x+");
 }
 
 TEST(FileStream, RefusesWhatCannotBe) {
-    zFileStream odd("/tmp", 3);
-    EXPECT_EQ(odd.Open(), -1);
-    zFileStream missing("/nowhere/at/all");
-    EXPECT_EQ(missing.Open(), -1);
-    EXPECT_EQ(missing.Write("x"), -1);
+    EXPECT_EQ(zFileStream("/tmp", 3).Open(), -1);
+    EXPECT_EQ(zFileStream("/nowhere/at/all").Open(), -1);
     zBuffer buffer;
     EXPECT_EQ(zFileStream::ReadEntireFile("/tmp", buffer), -1) << "a directory";
     zFileStream full("/dev/full", zFileStream::kWriteFile);
     full.DoBuffering(false);
     ASSERT_EQ(full.Open(), 0);
     EXPECT_EQ(full.Write("x"), result::kOutOfRoom);
-}
-
-TEST(FileStream, TemporaryNamesAreInTheTemporaryDirectoryWhateverThePattern) {
-    zString name;
-    EXPECT_EQ(zFileStream::CreateTemporaryFile(name, "%s no number"), 0);
-    EXPECT_EQ(name.FindSubString("/tmp/quillon_temporary_file_"), static_cast<const char*>(name));
 }

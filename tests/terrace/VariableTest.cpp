@@ -3,11 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "z4CCCC.h"
 #include "zColor.h"
@@ -66,30 +64,29 @@ TEST(Variable, SetAutoTakesTheKindFromTheText) {
     }
 }
 
-TEST(Variable, IntegersAreCutToTheirLowBits) {
+TEST(Variable, NumbersAreCutToTheirLowBitsAndFractionsToTheNearest) {
     zVariable v;
     v.SetInt64(1, 0x123456789ALL);
     EXPECT_EQ(v.AsUInt8(0), 0x9A);
-    EXPECT_EQ(v.AsInt16(0), 0x789A);
-    EXPECT_EQ(v.AsInt32(0), 0x3456789A);
-    v.SetInt8(1, static_cast<char>(-2));
-    EXPECT_EQ(v.AsInt64(0), -2);
-    EXPECT_EQ(v.AsUInt32(0), 0xFFFFFFFEU);
     v.SetUInt64(1, std::numeric_limits<unsigned long long>::max());
     EXPECT_EQ(TextOf(v), "18446744073709551615");
     EXPECT_EQ(v.AsDouble(0), -1.0) << "as signed";
+    v.SetColor(1, zColor(255, 1, 2, 255));
+    EXPECT_EQ(v.AsInt64(0), 0xFF0102FFLL);
+
+    v.SetDouble(1, -1e300);
+    EXPECT_EQ(v.AsInt64(0), std::numeric_limits<long long>::min());
+    v.SetFloat(1, std::nanf(""));
+    EXPECT_EQ(v.AsInt32(7), 0);
+    v.SetFloatPoint(1, zFloatPoint(1e30f, -1.5f));
+    EXPECT_EQ(v.AsPoint(zPoint()), zPoint(std::numeric_limits<int>::max(), -1));
 }
 
 TEST(Variable, TextsAreReadAsScanfReadsThem) {
-    EXPECT_EQ(Text("4294967295").AsInt32(5), -1);
-    EXPECT_EQ(Text("-1").AsUInt32(5), 0xFFFFFFFFu);
-    EXPECT_EQ(Text("  12abc").AsInt32(5), 12);
-    EXPECT_EQ(Text("abc").AsInt32(5), 5);
-    EXPECT_EQ(Text("65537").AsInt16(0), 1);
-    EXPECT_EQ(Text(std::string(5000, '9').c_str()).AsInt64(0), std::numeric_limits<long long>::max());
+    const std::pair<const char*, int> numbers[] = {{"4294967295", -1}, {"  12abc", 12}, {"abc", 5}};
+    for (const auto& [text, expected] : numbers)
+        EXPECT_EQ(Text(text).AsInt32(5), expected) << text;
     EXPECT_TRUE(std::isinf(Text(std::string(5000, '9').c_str()).AsFloat(0)));
-    EXPECT_EQ(Text("1,2,3").AsColor(zColor(9, 9, 9)), zColor(1, 2, 3, 255));
-    EXPECT_EQ(Text("1,2").AsColor(zColor(9, 9, 9)), zColor(9, 9, 9));
     EXPECT_EQ(Text("1, 2,3,4").AsRect(zRect()), zRect(1, 2, 3, 4));
     EXPECT_EQ(Text("1,2,3").AsRect(zRect(7, 7, 7, 7)), zRect(7, 7, 7, 7));
 
@@ -101,48 +98,18 @@ TEST(Variable, TextsAreReadAsScanfReadsThem) {
     EXPECT_FALSE(Text("x").AsBool(false));
 }
 
-TEST(Variable, FractionsOutOfRangeBecomeTheNearestNumber) {
-    const double huge = 1e300;
-    zVariable v;
-    v.SetDouble(1, huge);
-    EXPECT_EQ(v.AsInt32(0), std::numeric_limits<int>::max());
-    v.SetDouble(1, -huge);
-    EXPECT_EQ(v.AsInt64(0), std::numeric_limits<long long>::min());
-    v.SetFloat(1, std::nanf(""));
-    EXPECT_EQ(v.AsInt32(7), 0);
-    EXPECT_EQ(v.Compare(v), 0);
-    EXPECT_TRUE(v.SetFloat(1, std::nanf(""))) << "not equal to itself";
-    v.SetFloat(1, -2.9f);
-    EXPECT_EQ(v.AsUInt32(0), 0xFFFFFFFEU);
-    v.SetFloatPoint(1, zFloatPoint(1e30f, -1.5f));
-    EXPECT_EQ(v.AsPoint(zPoint()), zPoint(std::numeric_limits<int>::max(), -1));
-}
-
-TEST(Variable, ColorsPackUnsigned) {
-    zVariable v;
-    v.SetColor(1, zColor(255, 1, 2, 255));
-    EXPECT_EQ(v.AsInt64(0), 0xFF0102FFLL);
-    EXPECT_EQ(v.AsDouble(0), 4278256383.0);
-    EXPECT_EQ(v.AsFloat(1.5f), 1.5f) << "no colour gives a float";
-    EXPECT_EQ(Text(TextOf(v).c_str()).AsColor(zColor()), zColor(255, 1, 2, 255));
-    v.SetUInt16(1, 3);
-    v.Convert(zVariable::kColor);
-    EXPECT_EQ(v.AsColor(zColor(1, 1, 1, 1)), zColor(0, 0, 0, 255)) << "the zero default is opaque black";
-}
-
 TEST(Variable, SettersReportExactlyWhatChanged) {
     zVariable v;
     EXPECT_TRUE(v.SetInt32(1, 0));
     EXPECT_FALSE(v.SetInt32(1, 0));
     EXPECT_TRUE(v.SetInt32(2, 0)) << "the id";
     EXPECT_TRUE(v.SetUInt32(2, 0)) << "the kind";
-    EXPECT_TRUE(v.SetRect(2, zRect(1, 2, 3, 4)));
-    EXPECT_FALSE(v.SetRect(2, zRect(1, 2, 3, 4)));
-    EXPECT_TRUE(v.SetCString(2, "abc"));
-    EXPECT_FALSE(v.SetCString(2, "abc"));
+    EXPECT_TRUE(v.SetCString(2, "abcd"));
+    EXPECT_FALSE(v.SetCString(2, "abcd"));
+    v.SetText(2, "abc", 3);
+    EXPECT_EQ(TextOf(v), "abcd") << "a stored text that begins with the new one stays";
     for (int i = 0; i < 2; ++i)
         EXPECT_TRUE(v.SetCString(2, nullptr)) << "null always counts as a change";
-    EXPECT_STREQ(v.AsCString(nullptr, nullptr), "");
 }
 
 TEST(Variable, TextMovesBetweenInlineAndHeap) {
@@ -162,56 +129,38 @@ TEST(Variable, TextMovesBetweenInlineAndHeap) {
     EXPECT_EQ(TextOf(v), "1000,2000,3000,4000") << "its own printed text";
 }
 
-TEST(Variable, AStoredTextThatBeginsWithTheNewOneStays) {
-    zVariable v = Text("0123456789ab");
-    v.SetText(2, "0123", 4);
-    EXPECT_EQ(TextOf(v), "0123456789ab");
-}
-
 TEST(Variable, TwoThreadsMayPrintOneVariable) {
     zVariable large;
     large.SetRect(1, zRect(100000, 200000, 300000, 400000));
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 2; ++i) {
-        threads.emplace_back([&] {
-            for (int round = 0; round < 500; ++round)
-                EXPECT_STREQ(large.AsCString("", nullptr), "100000,200000,300000,400000");
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    const auto print = [&large] {
+        for (int round = 0; round < 500; ++round)
+            EXPECT_STREQ(large.AsCString("", nullptr), "100000,200000,300000,400000");
+    };
+    const std::jthread one(print), two(print);
 }
 
 TEST(Variable, CopiesKeepTheMarkOfTheirTarget) {
-    zVariable source = Text("a text on the heap");
+    const zVariable source = Text("a text on the heap");
     zVariable target;
     target.SetRegistered();
     target = source;
     EXPECT_TRUE(target.IsRegistered());
-    EXPECT_EQ(target.ID(), source.ID());
     EXPECT_EQ(TextOf(target), "a text on the heap");
     EXPECT_FALSE(zVariable(target).IsRegistered());
     target.Convert(zVariable::kNone);
     EXPECT_TRUE(target.IsRegistered());
-    EXPECT_EQ(target.ID(), 0u);
-    EXPECT_EQ(TextOf(target), "<none>");
 }
 
 TEST(Variable, CompareGoesByTheKindOfTheFirst) {
-    zVariable none;
     zVariable a;
     zVariable b;
-    EXPECT_EQ(none.Compare(zVariable()), 1) << "the inverted sense of two empty ones";
+    EXPECT_EQ(a.Compare(b), 1) << "the inverted sense of two empty ones";
     a.SetInt32(1, std::numeric_limits<int>::min());
-    EXPECT_EQ(none.Compare(a), 0);
     b.SetInt32(1, 1);
     EXPECT_EQ(a.Compare(b), std::numeric_limits<int>::max()) << "the subtraction wraps";
     a.SetInt64(1, 0x100000005);
     b.SetInt64(1, 5);
     EXPECT_EQ(a.Compare(b), 0) << "only the low halves count";
-    a.SetFloat(1, 1.5f);
-    b.SetFloat(1, 1.0f);
-    EXPECT_EQ(a.Compare(b), 0);
     EXPECT_LT(Text("abc").Compare(Text("abd")), 0);
     a.SetRect(1, zRect(1, 9, 3, 4));
     b.SetRect(1, zRect(1, 2, 5, 4));

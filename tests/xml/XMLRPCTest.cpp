@@ -63,10 +63,11 @@ TEST(XMLRPC, ParametersComeBackByIndexAndType) {
     rpc.SetMethod("Old");
     rpc.SetMethod("New");
     rpc.AppendStringParam("text & more");
-    rpc.AppendInt32Param(-1);
+    rpc.AppendInt32Param(-1); // goes out unsigned
     rpc.AppendBoolParam(true);
     rpc.AppendStructArrayParam(array);
     rpc.AppendZRecordParam(array);
+    EXPECT_NE(Written(call).find("<int>4294967295</int>"), std::string::npos);
     zRecord parsed;
     ASSERT_EQ(Parse(parsed, Written(call)), 0);
 
@@ -91,12 +92,6 @@ TEST(XMLRPC, ParametersComeBackByIndexAndType) {
     EXPECT_STREQ(tree.AsCString("note", ""), "in the tree only");
     EXPECT_EQ(tree.Child(0)->AsInt32("n", -1), 3);
     EXPECT_EQ(view.GetZRecordParam(3, tree), -1);
-}
-
-TEST(XMLRPC, NumbersGoOutUnsigned) {
-    zRecord call;
-    zXMLRPC(call).AppendInt32Param(-1);
-    EXPECT_NE(Written(call).find("<int>4294967295</int>"), std::string::npos);
 }
 
 TEST(XMLRPC, StructsTakeKindsFromTheirTexts) {
@@ -130,17 +125,12 @@ TEST(XMLRPC, StructsNameTheirMembersByKind) {
     source.SetCString("bits", "QUJD");
     source.AddChild(new zRecord("inner"));
     source.Child(0)->SetInt32("x", 1);
-    source.AddChild(new zRecord);
     zRecord call;
     zXMLRPC(call).AppendStructParam(source);
     const std::string text = Written(call);
     for (const char* part : {"<int>1</int>", "<string>8</string>", "<base64>QUJD</base64>",
                              "<name>inner</name>", "<name>x</name>"})
         EXPECT_NE(text.find(part), std::string::npos) << part;
-    size_t members = 0;
-    for (size_t at = text.find("<member>"); at != std::string::npos; at = text.find("<member>", at + 1))
-        ++members;
-    EXPECT_EQ(members, 5u) << "the child without a tag has none";
 }
 
 TEST(XMLRPC, BooleansGoByTheirFirstCharacter) {
@@ -153,16 +143,6 @@ TEST(XMLRPC, BooleansGoByTheirFirstCharacter) {
         EXPECT_EQ(zXMLRPC::xmlrpc_to_boolean(&node, value), expected < 0 ? -1 : 0) << text;
         EXPECT_EQ(value, expected != 0) << text;
     }
-}
-
-TEST(XMLRPC, AViewOfAConstRecordBuildsNothing) {
-    zRecord record;
-    zXMLRPC view(static_cast<const zRecord&>(record));
-    view.SetMethod("x");
-    view.SetFault("x", 1);
-    view.AppendStringParam("x");
-    view.AppendStructParam(record);
-    EXPECT_TRUE(record.IsEmpty());
 }
 
 TEST(XMLRPC, EveryPrefixOfACallIsReadWithoutHarm) {

@@ -23,9 +23,9 @@ TEST_F(X11Displays, AreTheMonitors) {
     const host::DisplayId right = IdOf("RIGHT \xE2\x82\xAC");
     ASSERT_NE(left, 0U);
     ASSERT_NE(right, 0U);
-    EXPECT_EQ(BoundsOf(left), (std::vector<double>{0, 0, 300, 300}));
-    EXPECT_EQ(BoundsOf(right), (std::vector<double>{300, 20, 200, 150}));
-    EXPECT_EQ(BoundsOf(12345), (std::vector<double>{0, 0, 0, 0}));
+    EXPECT_EQ(Displays().Bounds(left), (host::Rect{0, 0, 300, 300}));
+    EXPECT_EQ(Displays().Bounds(right), (host::Rect{300, 20, 200, 150}));
+    EXPECT_EQ(Displays().Bounds(12345), (host::Rect{0, 0, 0, 0}));
     EXPECT_EQ(Displays().ProductName(12345), "");
     EXPECT_EQ(Displays().MainDisplay(), left) << "at the origin";
     host::Image image;
@@ -39,9 +39,9 @@ TEST_F(X11Displays, AreTheMonitors) {
     painter->Xrandr("--delmonitor THREE");
     painter->Xrandr("--delmonitor 'LEFT \xFC'");
     EXPECT_EQ(Ids(), (std::vector{right, IdOf("screen")})) << "while others come and go";
-    EXPECT_EQ(BoundsOf(left)[2], 0);
+    EXPECT_EQ(Displays().Bounds(left).width, 0);
     ASSERT_TRUE(painter->SetMonitor("LEFT \xFC", "10/100x10/100+0+0"));
-    EXPECT_EQ(BoundsOf(left)[2], 10) << "it is back";
+    EXPECT_EQ(Displays().Bounds(left).width, 10) << "it is back";
 }
 
 TEST_F(X11Displays, AreTheWholeScreenWithoutRandR) {
@@ -50,7 +50,7 @@ TEST_F(X11Displays, AreTheWholeScreenWithoutRandR) {
     ASSERT_EQ(ids.size(), 1U);
     EXPECT_EQ(Displays().MainDisplay(), ids[0]);
     EXPECT_EQ(Displays().ProductName(ids[0]), "X screen");
-    EXPECT_EQ(BoundsOf(ids[0]), (std::vector<double>{0, 0, 600, 300}));
+    EXPECT_EQ(Displays().Bounds(ids[0]), (host::Rect{0, 0, 600, 300}));
 }
 
 TEST(X11Host, SaysWhyItCannotBeOpened) {

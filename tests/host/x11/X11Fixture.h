@@ -34,10 +34,6 @@ class X11Fixture : public testing::Test {
         EXPECT_EQ(Displays().ActiveDisplays(ids), 0);
         return ids;
     }
-    std::vector<double> BoundsOf(host::DisplayId id) {
-        const host::Rect bounds = Displays().Bounds(id);
-        return {bounds.x, bounds.y, bounds.width, bounds.height};
-    }
     /// The colour 0xRRGGBB of a place on the screen; one that there is none of when it can't be had.
     uint32_t ColourOnScreen(double x, double y) {
         host::Image image;

@@ -120,7 +120,7 @@ TEST_F(X11Reports, TellThatDisplaysChange) {
     Listen();
     const host::DisplayId screen = Displays().MainDisplay();
     ASSERT_TRUE(painter->SetMode(320, 200));
-    EXPECT_TRUE(AwaitChange([&] { return BoundsOf(screen) == std::vector<double>{0, 0, 320, 200}; }));
+    EXPECT_TRUE(AwaitChange([&] { return Displays().Bounds(screen) == host::Rect{0, 0, 320, 200}; }));
     ASSERT_TRUE(painter->SetMonitor("MORE", "20/10x20/10+10+10"));
     EXPECT_TRUE(AwaitChange([&] { return Ids().size() == 2; }));
     painter->Xrandr("--delmonitor MORE");
@@ -149,7 +149,7 @@ TEST_F(X11Reports, GoOnWithTheNextServer) {
         EXPECT_FALSE(Displays().IsCaptured(0));
         EXPECT_GT(std::exchange(changes, 0), 0);
         EXPECT_EQ(Displays().MainDisplay(), screen);
-        EXPECT_EQ(BoundsOf(screen)[2], std::stod(size));
+        EXPECT_EQ(Displays().Bounds(screen).width, std::stod(size));
         painter = std::make_unique<XPainter>(server->Display());
         painter->Fill(30, 40, 5, 6, 0x778899);
         EXPECT_TRUE(AwaitAll({{30, 40, 5, 6}}));

@@ -17,9 +17,8 @@ namespace {
 
 using Psn = host::ProcessSerialNumber;
 using Windows = std::vector<host::WindowId>;
-using Place = std::vector<int>;
 
-const Place kNowhere{0, 0, 0, 0};
+constexpr host::Rect kNowhere{};
 
 class X11WindowServer : public X11Fixture {
   protected:
@@ -64,15 +63,14 @@ class X11WindowServer : public X11Fixture {
         EXPECT_EQ(Port().ProcessInformation(process, info), 0);
         return {info.name, info.identifier};
     }
-    Place RectOf(host::WindowId window) {
+    host::Rect RectOf(host::WindowId window) {
         host::Rect rect;
         Port().ScreenRectForWindow(window, rect);
-        return {static_cast<int>(rect.x), static_cast<int>(rect.y), static_cast<int>(rect.width),
-                static_cast<int>(rect.height)};
+        return rect;
     }
-    Place OutlineOf(xcb_window_t window) {
+    host::Rect OutlineOf(xcb_window_t window) {
         const xcb_rectangle_t outline = windows->Outline(windows->TopLevel(window));
-        return {outline.x, outline.y, outline.width, outline.height};
+        return {double(outline.x), double(outline.y), double(outline.width), double(outline.height)};
     }
 
     std::unique_ptr<Program> manager;
@@ -177,13 +175,13 @@ TEST_F(X11WindowServer, FollowsAPlainWindowWithItsBorderAndWithoutItsShadow) {
     EXPECT_FALSE(InfoOf(window).bounds);
     windows->Show(window);
     EXPECT_TRUE(InfoOf(window).bounds);
-    EXPECT_EQ(RectOf(window), (Place{10, 20, 306, 206}));
+    EXPECT_EQ(RectOf(window), (host::Rect{10, 20, 306, 206}));
     windows->Place(window, -40, 500, 100, 150);
-    EXPECT_EQ(RectOf(window), (Place{-40, 500, 106, 156}));
+    EXPECT_EQ(RectOf(window), (host::Rect{-40, 500, 106, 156}));
     windows->SetNumbers(window, "_GTK_FRAME_EXTENTS", "CARDINAL", {5, 6, 7, 8});
-    EXPECT_EQ(RectOf(window), (Place{-35, 507, 95, 141}));
+    EXPECT_EQ(RectOf(window), (host::Rect{-35, 507, 95, 141}));
     windows->SetNumbers(window, "_GTK_FRAME_EXTENTS", "CARDINAL", {0xFFFFFFFF, 0, 0, 0});
-    EXPECT_EQ(RectOf(window), (Place{-40, 500, 106, 156})) << "no one has such a shadow";
+    EXPECT_EQ(RectOf(window), (host::Rect{-40, 500, 106, 156})) << "no one has such a shadow";
     EXPECT_EQ(InfoOf(window).level, host::WindowLevel::kNormal);
     windows->SetNumbers(window, "_NET_WM_WINDOW_TYPE", "ATOM", {windows->Atom("_NET_WM_WINDOW_TYPE_DOCK")});
     EXPECT_EQ(InfoOf(window).level, host::WindowLevel::kDock);
@@ -232,8 +230,8 @@ TEST_F(X11WindowServer, WithAManagerSeesFramesAndAsksForTheFront) {
 
     EXPECT_NE(windows->TopLevel(two), two) << "the manager gave it a frame";
     EXPECT_TRUE(Await([&] { return RectOf(two) == OutlineOf(two); }));
-    EXPECT_GT(RectOf(two)[3], 100) << "with a title bar";
-    const Place before = RectOf(two);
+    EXPECT_GT(RectOf(two).height, 100) << "with a title bar";
+    const host::Rect before = RectOf(two);
     windows->Place(two, 321, 234, 150, 80);
     EXPECT_TRUE(Await([&] { return RectOf(two) != before && RectOf(two) == OutlineOf(two); }));
     windows->Minimise(two);

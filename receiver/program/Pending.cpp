@@ -1,7 +1,0 @@
-#include "Client.h"
-
-namespace receiver {
-
-void AddServeCommand(CLI::App&, Client&) {}
-
-} // namespace receiver
