@@ -192,6 +192,30 @@ int pipe(const Client& client, const Recorder::Settings& settings) {
     return run(client, settings, false);
 }
 
+/// What comes out.
+void add_format(CLI::App& command, MediaFormat& format) {
+    const auto takeFormat = [&format](const std::string& name) {
+        if (name == "raw")
+            format.container = MediaFormat::Container::kRaw;
+    };
+    command
+        .add_option_function<std::string>(
+            "--format", takeFormat,
+            "nut, or raw: nothing but the pixels at --rate, or the samples (s16le, 44100 Hz, stereo)")
+        ->check(CLI::IsMember({"nut", "raw"}))
+        ->default_str("nut");
+    const auto takePixels = [&format](const std::string& name) {
+        if (name == "yuv420p")
+            format.pixels = MediaFormat::Pixels::kYUV420P;
+    };
+    command
+        .add_option_function<std::string>("--pixels", takePixels, "bgr0, or yuv420p: smaller, less colour")
+        ->check(CLI::IsMember({"bgr0", "yuv420p"}))
+        ->default_str("bgr0");
+    CLI::Option* pictures = command.add_flag("!--video-only", format.hasSound, "No sound");
+    command.add_flag("!--audio-only", format.hasPictures, "No pictures")->excludes(pictures);
+}
+
 void add_pipe(CLI::App& program, Client& client) {
     CLI::App* command = program.add_subcommand(
         "pipe", "Writes picture and sound to standard output, for ffmpeg -i - and ffplay -");
@@ -200,33 +224,10 @@ void add_pipe(CLI::App& program, Client& client) {
     settings->stillInterval = std::chrono::milliseconds(100);
     settings->format.container = MediaFormat::Container::kNut;
     add_common(*command, *settings);
-    CLI::Option* pictures = command->add_flag(
-        "--video-only", [settings](auto) { settings->format.hasSound = false; }, "No sound");
-    CLI::Option* sound =
-        command
-            ->add_flag(
-                "--audio-only", [settings](auto) { settings->format.hasPictures = false; }, "No pictures")
-            ->excludes(pictures);
-    const auto take_format = [settings](const std::string& name) {
-        if (name == "raw")
-            settings->format.container = MediaFormat::Container::kRaw;
-    };
-    command
-        ->add_option_function<std::string>(
-            "--format", take_format,
-            "nut, or raw: nothing but the pixels at --rate, or the samples (s16le, 44100 Hz, stereo)")
-        ->check(CLI::IsMember({"nut", "raw"}))
-        ->default_str("nut");
-    const auto take_pixels = [settings](const std::string& name) {
-        if (name == "yuv420p")
-            settings->format.pixels = MediaFormat::Pixels::kYUV420P;
-    };
-    command
-        ->add_option_function<std::string>("--pixels", take_pixels, "bgr0, or yuv420p: smaller, less colour")
-        ->check(CLI::IsMember({"bgr0", "yuv420p"}))
-        ->default_str("bgr0");
-    command->callback([&client, settings, pictures, sound] {
-        if (settings->format.container == MediaFormat::Container::kRaw && pictures->empty() && sound->empty())
+    add_format(*command, settings->format);
+    command->callback([&client, settings] {
+        const MediaFormat& format = settings->format;
+        if (format.container == MediaFormat::Container::kRaw && format.hasPictures && format.hasSound)
             throw CLI::RequiredError("--format raw: --video-only or --audio-only");
         client.command = [&client, settings] { return pipe(client, *settings); };
     });
