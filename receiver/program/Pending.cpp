@@ -1,7 +1,0 @@
-#include "Client.h"
-
-namespace receiver {
-
-void AddMediaCommands(CLI::App&, Client&) {}
-
-} // namespace receiver
