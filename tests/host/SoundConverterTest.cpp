@@ -63,6 +63,19 @@ TEST(SoundConverter, BringsAnyRateToTheOneWanted) {
     }
 }
 
+TEST(SoundConverter, TakesOneChannelForBothSidesAndTheFirstTwoOfMany) {
+    for (const size_t channels : {1U, 2U, 10U, 24U, 64U}) {
+        const double right = channels > 1 ? 0.25 : 0.5;
+        std::vector<double> levels(channels, 0.01);
+        levels[0] = 0.5;
+        if (channels > 1)
+            levels[1] = right;
+        const auto out = Convert(Sines(48000, levels), 48000, static_cast<uint32_t>(channels));
+        EXPECT_NEAR(Level(out, 0), 0.5, 0.01) << channels;
+        EXPECT_NEAR(Level(out, 1), right, 0.01) << channels;
+    }
+}
+
 TEST(SoundConverter, MixesSurroundIntoBothSidesWithoutOverflow) {
     for (size_t channels = 3; channels <= 8; ++channels) {
         const auto count = static_cast<uint32_t>(channels);
