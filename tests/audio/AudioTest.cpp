@@ -1,4 +1,5 @@
-#include <numeric>
+#include <cmath>
+#include <numbers>
 
 #include <gtest/gtest.h>
 

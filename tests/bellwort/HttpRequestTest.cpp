@@ -85,6 +85,13 @@ TEST(HttpRequestTest, LosesWhatLiesBehindANulInOneRead) {
     EXPECT_STREQ(request.Body(), "axyz");
 }
 
+TEST(HttpRequestTest, BytesThatCanNeverBeAnsweredTakeNoMemory) {
+    cHttpRequest request;
+    for (const char* text : {"PUT / HTTP/1.1\r\n\r\n", "GET / HTTP/1.1\r\n\r\n"})
+        EXPECT_EQ(append(request, text), State::kMalformed);
+    EXPECT_STREQ(request.Text(), "");
+}
+
 // With a search from the start at each read this would take hours.
 TEST(HttpRequestTest, EndlessHeadersCostTheirBytesOnce) {
     for (const std::string_view filler :

@@ -8,6 +8,7 @@
 #include "cMultipartReader.h"
 #include "cMultipartRecord.h"
 #include "cMultipartWriter.h"
+#include "cUtils.h"
 #include "zRecord.h"
 
 namespace {
@@ -143,6 +144,29 @@ TEST(MultipartTest, ReaderRefusesAbsurdArgumentsAndOffsets) {
         EXPECT_EQ(reader.Parse_BodyOnly(body.data(), size, "B", 1, offset), -1) << offset;
     for (const int boundarySize : {0, INT_MAX})
         EXPECT_EQ(reader.Parse_BodyOnly(body.data(), size, "B", boundarySize, 0), -1);
+}
+
+TEST(HeaderTest, FindsEntriesByWholeNameIgnoringCase) {
+    const struct {
+        const char *text, *value;
+    } cases[] = {
+        {"multipart/related;Boundary=b", "b"},
+        {"a ; \t boundary = 1 2 \r\n; x = y", "1 2"},
+        {"a; BOUNDARY = \"q\" ;", "\"q\""},
+        {"boundary=a=b", "a=b"},
+        {"boundary=;y", ""},
+        {"bound=1; boundaryx=2", nullptr},
+        {"boundary", nullptr},
+    };
+    for (const auto& one : cases) {
+        const char* value = nullptr;
+        int length = 0;
+        const int result = cUtils::HeaderEntry_FindByName(one.text, "boundary", &value, &length);
+        EXPECT_EQ(result == 0, one.value != nullptr) << one.text;
+        if (result == 0 && one.value) {
+            EXPECT_EQ(std::string(value, static_cast<size_t>(length)), one.value);
+        }
+    }
 }
 
 } // namespace

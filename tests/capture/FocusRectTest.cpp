@@ -45,4 +45,25 @@ TEST(FocusRect, EvaluatesPresetsAgainstTheDisplay) {
     }
 }
 
+TEST(FocusRect, ARegionOnAnotherDisplayTurnsEveryPresetIntoTheWholeDisplay) {
+    struct {
+        int region, display;
+        bool isWhole;
+    } const cases[] = {{-1, 0, false}, {-1, 3, false}, {1, 0, true},
+                       {0, 1, true},   {1, 1, false},  {0, 0, false}};
+    vnFocusRect focus;
+    zRecord preset;
+    Preset::SetOptions(preset, vnFocusRect::kCentered);
+    Preset::SetRect(preset, zRect(320, 240));
+    focus.SetCurrent(preset);
+    focus.SetMaximumRect(kDisplay);
+    for (const auto& one : cases) {
+        focus.SetCurrentScreenRegionDisplayIndex(one.region);
+        focus.SetCurrentDisplayIndex(one.display);
+        zRect rect;
+        focus.Rect(rect);
+        EXPECT_EQ(rect == kDisplay, one.isWhole) << one.region << " " << one.display;
+    }
+}
+
 } // namespace

@@ -15,7 +15,6 @@ class Lists : public vnScreenDiffs {
     void Start() override {}
     void Stop() override {}
     using vnScreenDiffs::add_rect;
-    using vnScreenDiffs::pop_delayed;
 };
 
 std::vector<zRect> take(vnScreenDiffs& diffs) {
@@ -85,20 +84,6 @@ TEST(ScreenDiffs, AListOnLoanStaysAsItIs) {
     EXPECT_EQ(take(diffs), std::vector{second});
     EXPECT_TRUE(take(diffs).empty());
     EXPECT_TRUE(take(diffs).empty()) << "an empty list swaps all the same";
-}
-
-TEST(ScreenDiffs, DelayedRectanglesComeAtTheSecondPop) {
-    Lists diffs;
-    const zRect rect(5, 6, 7, 8);
-    diffs.add_rect(rect, true);
-    EXPECT_TRUE(take(diffs).empty());
-    diffs.pop_delayed();
-    EXPECT_TRUE(take(diffs).empty());
-    diffs.pop_delayed();
-    EXPECT_EQ(take(diffs), std::vector{rect});
-    diffs.pop_delayed();
-    diffs.pop_delayed();
-    EXPECT_TRUE(take(diffs).empty());
 }
 
 TEST(ScreenDiffs, FollowTheMachinesReports) {

@@ -13,19 +13,14 @@ class Pipe {
   public:
     Pipe() { EXPECT_EQ(pipe(fEnds), 0); }
     ~Pipe() {
-        CloseWriter();
         close(fEnds[0]);
+        close(fEnds[1]);
     }
     int Reader() const { return fEnds[0]; }
     void Write() { EXPECT_EQ(write(fEnds[1], "x", 1), 1); }
     void Take() {
         char byte;
         EXPECT_EQ(read(fEnds[0], &byte, 1), 1);
-    }
-    void CloseWriter() {
-        if (fEnds[1] >= 0)
-            close(fEnds[1]);
-        fEnds[1] = -1;
     }
 
   private:

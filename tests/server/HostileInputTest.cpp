@@ -27,6 +27,10 @@ TEST_F(HostileInputTest, AbsurdParametersGetNoPictureOrTheUsualOne) {
         {StructParam(Member("crop_right", "int", "-2147483648")), false},
         {StructParam(Member("crop_left", "int", "-50000") + Member("crop_top", "int", "-50000")), false},
         {StructParam(Member("crop_left", "int", "65")), false},
+        {StructParam(Member("crop_left", "int", "2147483647") + Member("crop_bottom", "int", "2147483647")),
+         false},
+        {StructParam(Member("crop_left", "int", "-1000000") + Member("crop_right", "int", "-1000000")),
+         false},
         {StructParam(Member("crop_left", "double", "1e300") + Member("crop_top", "string", "nan")), true},
     };
     for (const auto& one : cases) {

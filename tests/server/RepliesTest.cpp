@@ -35,7 +35,13 @@ TEST_F(RepliesTest, OneValueIsPlainXML) {
 }
 
 TEST_F(RepliesTest, WithAnAttachmentIsMultipart) {
-    Call("Snapshot"); // Looks at the pointer, which is of 4 by 3 pixels of sevens.
+    const std::string snapshot = Call("sNAPSHOT"); // Looks at the pointer: 4 by 3 pixels of sevens.
+    EXPECT_NE(snapshot.find("\r\n\r\n<response error=\"0\" instance=\"0\" picture=\"cid:id_snapshot_image\" "
+                            "rect=\"0,0,63,47\" mouse_location=\"18,9\" mouse_id=\"1\" />\n\r\n"),
+              std::string::npos)
+        << snapshot;
+    EXPECT_NE(snapshot.find("\r\nContent-Type: image/jpg\r\nContent-ID: <id_snapshot_image>\r\n\r\n\xFF\xD8"),
+              std::string::npos);
     const std::string body =
         "--MimeBoundary_8923gr836bidfb3i\r\nContent-Type: text/xml; charset=UTF-8\r\n\r\n"
         "<response instance=\"0\" width=\"4\" height=\"3\" rowbytes=\"16\" colorspace=\"1650946657\" "
