@@ -1,65 +1,33 @@
 #include "JpegExporter.h"
 
-#include <algorithm>
-#include <cmath>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <turbojpeg.h>
+
+#include "Picture.h"
 
 namespace {
 
-struct Picture {
-    int width = 0;
-    int height = 0;
-    int subsampling = -1;
-    std::vector<uint8_t> bgrx;
-};
-
-Picture decoded(const host::PictureBlock& block) {
-    Picture picture;
-    tjhandle decoder = tjInitDecompress();
-    int colours = 0;
-    if (tjDecompressHeader3(decoder, block.Data(), block.Size(), &picture.width, &picture.height,
-                            &picture.subsampling, &colours) == 0) {
-        picture.bgrx.resize(static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height) * 4);
-        tjDecompress2(decoder, block.Data(), block.Size(), picture.bgrx.data(), picture.width, 0,
-                      picture.height, TJPF_BGRX, 0);
-    }
-    tjDestroy(decoder);
-    return picture;
+std::string bytes_of(const host::PictureBlock& block) {
+    return {reinterpret_cast<const char*>(block.Data()), block.Size()};
 }
 
-/// Smooth colours that tell every direction apart, with garbage in the undefined bytes and behind the rows.
+/// A smooth colour that tells every direction apart.
+uint32_t colour_at(int x, int y) {
+    return static_cast<uint32_t>(40 << 16 | (y * 4 & 0xFF) << 8 | (x & 0xFF));
+}
+
+/// Pixels b, g, r and garbage, with more of it behind the rows.
 std::vector<uint8_t> gradient(int width, int height, int rowBytes) {
     std::vector<uint8_t> pixels(static_cast<size_t>(rowBytes) * static_cast<size_t>(height), 0xA5);
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
             uint8_t* pixel = pixels.data() + static_cast<ptrdiff_t>(y) * rowBytes + x * 4;
-            pixel[0] = static_cast<uint8_t>(x * 255 / width);
-            pixel[1] = static_cast<uint8_t>(y * 255 / height);
-            pixel[2] = 40;
+            for (int i = 0; i < 3; ++i)
+                pixel[i] = static_cast<uint8_t>(colour_at(x, y) >> 8 * i);
         }
     }
     return pixels;
-}
-
-double mean_error(const Picture& picture, const std::vector<uint8_t>& pixels, int rowBytes) {
-    double sum = 0;
-    for (int y = 0; y < picture.height; ++y) {
-        for (int x = 0; x < picture.width * 4; ++x) {
-            if (x % 4 < 3)
-                sum += std::abs(picture.bgrx[static_cast<size_t>(y * picture.width * 4 + x)] -
-                                pixels[static_cast<size_t>(y * rowBytes + x)]);
-        }
-    }
-    return sum / (picture.width * picture.height * 3);
-}
-
-bool is_baseline(const host::PictureBlock& block) {
-    const uint8_t startOfFrame[2] = {0xFF, 0xC0};
-    return std::search(block.Data(), block.Data() + block.Size(), startOfFrame, startOfFrame + 2) !=
-           block.Data() + block.Size();
 }
 
 TEST(JpegExporter, KeepsPixelsAndRowOrderAtEveryQuality) {
@@ -69,19 +37,24 @@ TEST(JpegExporter, KeepsPixelsAndRowOrderAtEveryQuality) {
     const auto pixels = gradient(kWidth, kHeight, kRowBytes);
     const auto exporter = host::NewJpegExporter(kWidth, kHeight, kRowBytes);
     const auto block = host::NewJpegBlock();
+    EXPECT_EQ(exporter->Export(), -1) << "no pixels, no block";
     ASSERT_EQ(exporter->SetOutput(*block), 0);
     exporter->SetInputPixels(pixels.data());
     size_t previousSize = 0;
     for (const int quality : {256, 512, 768}) {
         ASSERT_EQ(exporter->SetCompressionQuality(quality), 0);
         ASSERT_EQ(exporter->Export(), 0);
-        const Picture picture = decoded(*block);
-        ASSERT_EQ(picture.width, kWidth);
-        ASSERT_EQ(picture.height, kHeight);
-        EXPECT_TRUE(is_baseline(*block));
-        EXPECT_LT(mean_error(picture, pixels, kRowBytes), 4) << quality;
+        EXPECT_NE(bytes_of(*block).find("\xFF\xC0"), std::string::npos) << "a baseline picture";
         EXPECT_GT(block->Size(), previousSize) << quality;
         previousSize = block->Size();
+        Picture picture;
+        ASSERT_TRUE(picture.Decode(bytes_of(*block)));
+        ASSERT_EQ(picture.width, kWidth);
+        ASSERT_EQ(picture.height, kHeight);
+        for (int y = 0; y < kHeight; ++y) {
+            for (int x = 0; x < kWidth; ++x) // It is decoded from the bottom.
+                ASSERT_LE(picture.Difference(x, kHeight - 1 - y, colour_at(x, y)), 16) << x << "," << y;
+        }
     }
     for (const int quality : {-1, 0, 1, 257, 1024})
         EXPECT_EQ(exporter->SetCompressionQuality(quality), -1);
@@ -94,14 +67,7 @@ TEST(JpegExporter, RefusesGeometryThatNoPictureHas) {
                               {10, 10, 39}, {10, 10, -40}, {65501, 1, 65501 * 4}, {1, 65501, 4}};
     for (const auto& g : refused)
         EXPECT_EQ(host::NewJpegExporter(g[0], g[1], g[2]), nullptr) << g[0] << " x " << g[1];
-
-    const auto pixels = gradient(65500, 1, 65500 * 4);
-    const auto widest = host::NewJpegExporter(65500, 1, 65500 * 4);
-    const auto block = host::NewJpegBlock();
-    widest->SetOutput(*block);
-    widest->SetInputPixels(pixels.data());
-    EXPECT_EQ(widest->Export(), 0);
-    EXPECT_EQ(decoded(*block).width, 65500);
+    EXPECT_NE(host::NewJpegExporter(65500, 1, 65500 * 4), nullptr);
 }
 
 } // namespace

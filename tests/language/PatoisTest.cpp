@@ -38,12 +38,18 @@ class Patois : public testing::Test {
                                 english + "</language></patois>");
     }
 
+    /// The texts of some keys, each followed by a bar.
+    std::string Lookup(const std::vector<const char*>& keys) const {
+        std::string texts;
+        for (const char* key : keys)
+            texts.append(fPatois.Lookup(key)).append("|");
+        return texts;
+    }
+
     const TestFolder fFolder;
     const std::string fPath = fFolder / "a.xml";
     vnPatois fPatois;
 };
-
-using Texts = std::vector<std::pair<const char*, const char*>>;
 
 } // namespace
 
@@ -54,30 +60,21 @@ TEST_F(Patois, LooksTextsUpByKey) {
     const char* const kKey = "neither";
     EXPECT_EQ(fPatois.Lookup(kKey), kKey) << "nothing is loaded yet";
     EXPECT_EQ(fPatois.Lookup(nullptr), nullptr);
+    const std::string kEnglish = "own|text|only|neither|800|\xC3\xA4 & <||unknown|";
     const struct {
         const char *language, *loaded;
-        Texts texts;
+        std::string texts;
     } kCases[] = {
-        {"en",
-         "en",
-         {{"both", "own"},
-          {"one", "text"},
-          {"other", "only"},
-          {"neither", "neither"},
-          {"number", "800"},
-          {"umlaut", "\xC3\xA4 & <"},
-          {"none", ""},
-          {"unknown", "unknown"}}},
-        {"de", "de", {{"one", "eins"}, {"both", "both"}}}, // no fall-back for a single key
-        {nullptr, "en", {{"one", "text"}}},
-        {"fr", "fr", {{"one", "one"}}},
-        {"", "en", {{"one", "text"}}},
+        {"en", "en", kEnglish},
+        {"de", "de", "both|eins|other|neither|number|umlaut|none|unknown|"}, // no fall-back for a single key
+        {nullptr, "en", kEnglish},
+        {"fr", "fr", "both|one|other|neither|number|umlaut|none|unknown|"},
+        {"", "en", kEnglish},
     };
     for (const auto& [language, loaded, texts] : kCases) {
         fPatois.LoadLanguage(language);
         EXPECT_STREQ(fPatois.CurrentLanguage(), loaded);
-        for (const auto& [key, text] : texts)
-            EXPECT_STREQ(fPatois.Lookup(key), text) << loaded;
+        EXPECT_EQ(Lookup({"both", "one", "other", "neither", "number", "umlaut", "none", "unknown"}), texts);
     }
 }
 
@@ -100,10 +97,8 @@ TEST_F(Patois, SiblingsAddTexts) {
     Put("b.xml", "<four s='4'/>");
     fPatois.SetBasePath(fPath.c_str());
     fPatois.LoadLanguage("en");
-    EXPECT_STREQ(fPatois.Lookup("one"), "1");
-    EXPECT_STREQ(fPatois.Lookup("two"), "2");
-    EXPECT_STREQ(fPatois.Lookup("three"), "3") << "the last two characters don't count";
-    EXPECT_STREQ(fPatois.Lookup("four"), "four");
+    EXPECT_EQ(Lookup({"one", "two", "three", "four"}), "1|2|3|four|")
+        << "the last two characters don't count";
 }
 
 TEST_F(Patois, MacrosStandForTheProgram) {
@@ -112,22 +107,21 @@ TEST_F(Patois, MacrosStandForTheProgram) {
                  "#COMPANY_NAME#|#SUPPORT_EMAIL#|#COMPANY_WEBSITE#'/>");
     Put("oem.xml", "<about s='Other'/><more s='added'/>");
     eAppInfo info;
-    const Texts kInfo{{"name", "Name"},
-                      {"proProductName", "P"},
-                      {"standardProductName", "S"},
-                      {"liteProductName", "L"},
-                      {"company", "C"},
-                      {"supportEmail", "E"},
-                      {"website", "W"},
-                      {"patoisBaseOEM", "oem.xml"},
-                      {"restrictToLanguages", "en,pt_BR"}};
+    const std::pair<const char*, const char*> kInfo[] = {{"name", "Name"},
+                                                         {"proProductName", "P"},
+                                                         {"standardProductName", "S"},
+                                                         {"liteProductName", "L"},
+                                                         {"company", "C"},
+                                                         {"supportEmail", "E"},
+                                                         {"website", "W"},
+                                                         {"patoisBaseOEM", "oem.xml"},
+                                                         {"restrictToLanguages", "en,pt_BR"}};
     for (const auto& [key, text] : kInfo)
         info.record.SetCString(key, text);
     fPatois.Initialize(info, fPath.c_str());
     fPatois.LoadLanguage("en");
-    EXPECT_STREQ(fPatois.Lookup("about"), "About Name") << "the other file can only add";
-    EXPECT_STREQ(fPatois.Lookup("all"), "PSL|C|E|W");
-    EXPECT_STREQ(fPatois.Lookup("more"), "added");
+    EXPECT_EQ(Lookup({"about", "all", "more"}), "About Name|PSL|C|E|W|added|")
+        << "the other file can only add";
     EXPECT_STREQ(fPatois.restrictToLanguages("pt_BR"), "pt_BR");
 
     ReaderHost machine({"de"});

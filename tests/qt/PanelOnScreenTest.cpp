@@ -119,7 +119,6 @@ TEST(PanelOnScreenTest, LetsTheUserChooseWhatIsServed) {
     PanelOnScreen screen;
     if (!screen.server.Running())
         SKIP_OR_FAIL(screen.server.WhyNot());
-    const QPoint topLeft = screen.Window().pos();
     const int height = screen.Window().height();
     EXPECT_EQ(screen.Served(), "1280x800");
     screen.KeepPicture("panel-full-screen");
@@ -127,6 +126,7 @@ TEST(PanelOnScreenTest, LetsTheUserChooseWhatIsServed) {
     screen.Choose("fSelectPopup", 2);
     EXPECT_EQ(screen.Served(), "800x600");
     EXPECT_EQ(screen.Window().height(), height);
+    const QPoint topLeft = screen.Window().pos(); // The manager has placed it by now.
 
     screen.Choose("fSelectPopup", 4);
     EXPECT_TRUE(QTest::qWaitFor([&] { return screen.Window().height() >= height + 30; }, kBound))
@@ -285,8 +285,9 @@ class ProgramOnScreenTest : public testing::Test {
         return arguments;
     }
     std::vector<std::string> Environment() { return {"DISPLAY=" + server.Display(), "QT_QPA_PLATFORM=xcb"}; }
+    /// A call that comes before the services are up gets no answer.
     bool Answers() {
-        return Await([this] { return TestClient(port).Call("CheckConnection").has_value(); });
+        return Await([this] { return TestClient(port, 1000).Call("CheckConnection").has_value(); });
     }
 
     XServer server{"800x600x24"};

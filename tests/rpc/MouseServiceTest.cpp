@@ -35,13 +35,4 @@ TEST_F(MouseServiceTest, NumbersShapesByTheirPixels) {
     EXPECT_EQ(attachments[0]->Size(), 3 * 4 * 4);
 }
 
-TEST_F(MouseServiceTest, AnUnknownNumberFails) {
-    Look(4, 4, 1);
-    for (const uint32_t id : {0U, 2U, 0xFFFFFFFFU}) {
-        EXPECT_EQ(Ask(id), -1);
-        EXPECT_EQ(reply.AsInt32("error", 0), -1);
-        EXPECT_EQ(attachments.Count(), 0U);
-    }
-}
-
 } // namespace

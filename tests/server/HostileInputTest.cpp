@@ -6,49 +6,11 @@
 #include <thread>
 #include <vector>
 
-#include <gtest/gtest.h>
-
-#include "FakeHost.h"
-#include "TestClient.h"
-#include "cHttpServer.h"
-#include "vnController.h"
-#include "vnUserInterface.h"
+#include "ServerFixture.h"
 
 namespace {
 
-using namespace std::string_literals;
-
-std::string member(const std::string& name, const std::string& type, const std::string& value) {
-    return "<member><name>" + name + "</name><value><" + type + ">" + value + "</" + type +
-           "></value></member>";
-}
-
-std::string struct_param(const std::string& members) {
-    return "<params><param><value><struct>" + members + "</struct></value></param></params>";
-}
-
-class HostileInputTest : public testing::Test {
-  protected:
-    HostileInputTest() {
-        EXPECT_TRUE(controller.applicationDidFinishLaunching());
-        EXPECT_EQ(controller.Server()->WaitUntilListening(), 0);
-    }
-
-    uint16_t Port() { return controller.Server()->Port(); }
-
-    /// True if a new client gets its picture.
-    bool StillServes() {
-        TestClient client(Port());
-        const auto reply = client.Call("Snapshot");
-        return reply && reply->body.find("rect=\"0,0,63,47\"") != std::string::npos &&
-               reply->body.find("\xFF\xD8\xFF") != std::string::npos;
-    }
-
-    FakeHost machine;
-    host::HostScope scope{machine};
-    vnUserInterface interface;
-    vnController controller{interface, {.port = 0, .bindAddress = "127.0.0.1"}};
-};
+using HostileInputTest = ServerFixture;
 
 TEST_F(HostileInputTest, AbsurdParametersGetNoPictureOrTheUsualOne) {
     const struct {
@@ -58,14 +20,14 @@ TEST_F(HostileInputTest, AbsurdParametersGetNoPictureOrTheUsualOne) {
         {"", true},
         {"<params></params>", true},
         {"<params><param><value>text</value></param></params>", true},
-        {struct_param(member("quality", "string", "worst") + member("unknown", "int", "1")), true},
-        {struct_param(member("crop_left", "string", "not a number")), true},
-        {struct_param(member("crop_left", "int", "99999999999999999999999")), true},
-        {struct_param(member("crop_left", "int", "2147483648")), false},
-        {struct_param(member("crop_right", "int", "-2147483648")), false},
-        {struct_param(member("crop_left", "int", "-50000") + member("crop_top", "int", "-50000")), false},
-        {struct_param(member("crop_left", "int", "65")), false},
-        {struct_param(member("crop_left", "double", "1e300") + member("crop_top", "string", "nan")), true},
+        {StructParam(Member("quality", "string", "worst") + Member("unknown", "int", "1")), true},
+        {StructParam(Member("crop_left", "string", "not a number")), true},
+        {StructParam(Member("crop_left", "int", "99999999999999999999999")), true},
+        {StructParam(Member("crop_left", "int", "2147483648")), false},
+        {StructParam(Member("crop_right", "int", "-2147483648")), false},
+        {StructParam(Member("crop_left", "int", "-50000") + Member("crop_top", "int", "-50000")), false},
+        {StructParam(Member("crop_left", "int", "65")), false},
+        {StructParam(Member("crop_left", "double", "1e300") + Member("crop_top", "string", "nan")), true},
     };
     for (const auto& one : cases) {
         TestClient client(Port());
@@ -130,7 +92,7 @@ TEST_F(HostileInputTest, MutatedCallsNeverHarm) {
     constexpr int kPatienceMs = 20; // Some of the calls fail, and those get no answer.
     std::mt19937 random(20240607);
     const std::string call = TestClient::MethodCall(
-        "Snapshot", struct_param(member("quality", "string", "high") + member("crop_left", "int", "5")));
+        "Snapshot", StructParam(Member("quality", "string", "high") + Member("crop_left", "int", "5")));
     for (int round = 0; round < 300; ++round) {
         std::string body = call;
         for (int change = 0; change < 1 + round % 4; ++change) {

@@ -4,28 +4,6 @@
 
 namespace {
 
-/// Notes the cursor that the overlay asks its window for.
-class NotingInterface : public vnUserInterface {
-  public:
-    vnCursor cursor = vnCursor::kArrow;
-
-    std::unique_ptr<vnRegionSelectorWindow> NewRegionSelectorWindow(vnRegionSelectorView&) override {
-        return std::make_unique<Window>(cursor);
-    }
-
-  private:
-    class Window : public vnRegionSelectorWindow {
-      public:
-        explicit Window(vnCursor& cursor) : fCursor(cursor) {}
-        void Open(const host::Rect&) override {}
-        void SetAlpha(double) override {}
-        void SetCursor(vnCursor cursor) override { fCursor = cursor; }
-
-      private:
-        vnCursor& fCursor;
-    };
-};
-
 class RegionSelectorTest : public testing::Test {
   protected:
     RegionSelectorTest() {
@@ -43,28 +21,22 @@ class RegionSelectorTest : public testing::Test {
 
     FakeDesk machine;
     host::HostScope scope{machine};
-    NotingInterface interface;
+    vnUserInterface interface;
     vnRegionSelector selector{interface, "the hint"};
     vnRegionSelectorView& view = selector.View();
 };
 
-TEST_F(RegionSelectorTest, HasEightHandlesAndTheirCursors) {
+TEST_F(RegionSelectorTest, HasEightHandles) {
     const struct {
         host::Point place;
-        int corner;
-        vnCursor cursor;
+        int corner; ///< 0 for none.
     } kCases[] = {
-        {{100, 175}, 1, vnCursor::kResizeLeftRight}, {{300, 175}, 2, vnCursor::kResizeLeftRight},
-        {{200, 250}, 3, vnCursor::kResizeUpDown},    {{200, 100}, 4, vnCursor::kResizeUpDown},
-        {{100, 250}, 5, vnCursor::kCornerLR},        {{300, 250}, 6, vnCursor::kCornerRL},
-        {{100, 100}, 7, vnCursor::kCornerRL},        {{300, 100}, 8, vnCursor::kCornerLR},
-        {{200, 175}, 0, vnCursor::kOpenHand},        {{50, 50}, 0, vnCursor::kArrow},
-        {{94, 175}, 1, vnCursor::kResizeLeftRight},  {{92, 175}, 0, vnCursor::kArrow},
+        {{100, 175}, 1}, {{300, 175}, 2}, {{200, 250}, 3}, {{200, 100}, 4}, {{100, 250}, 5}, {{300, 250}, 6},
+        {{100, 100}, 7}, {{300, 100}, 8}, {{200, 175}, 0}, {{50, 50}, 0},   {{94, 175}, 1},  {{92, 175}, 0},
     };
     for (const auto& c : kCases) {
         view.MouseMoved(c.place);
         EXPECT_EQ(view.SelectedCorner(), c.corner) << c.place.x << "," << c.place.y;
-        EXPECT_EQ(interface.cursor, c.cursor) << c.place.x << "," << c.place.y;
     }
     EXPECT_EQ(view.RectForCorner(9), (host::Rect{-7, -7, 14, 14}));
     view.SetSelection({100, 100, 10, 10});
@@ -101,11 +73,6 @@ TEST_F(RegionSelectorTest, DragsWithinTheDisplay) {
     view.MouseDown({110, 110});
     view.MouseUp();
     EXPECT_EQ(view.Selection(), (host::Rect{100, 100, 20, 20})) << "a click changes nothing";
-    view.SetSelection(start);
-    view.MouseDown({200, 175});
-    EXPECT_EQ(interface.cursor, vnCursor::kClosedHand);
-    view.MouseUp();
-    EXPECT_EQ(interface.cursor, vnCursor::kOpenHand);
 }
 
 } // namespace

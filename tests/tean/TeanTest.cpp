@@ -37,9 +37,7 @@ TEST(Tean, SixteenCharactersOfTheKeyCount) {
     const zTeanKey key("0123456789abcdef");
     EXPECT_EQ(encoded("12345678", zTeanKey("0123456789abcdefXYZ")), encoded("12345678", key));
     EXPECT_NE(encoded("12345678", zTeanKey("0123456789abcde")), encoded("12345678", key));
-    EXPECT_EQ(encoded("1234567", zTeanKey("x")), encoded("1234567", key))
-        << "short texts do not depend on it";
-    EXPECT_EQ(encoded("12345678", zTeanKey(nullptr)), encoded("12345678", zTeanKey()));
+    EXPECT_EQ(encoded("1234567", zTeanKey()), encoded("1234567", key)) << "short texts do not depend on it";
 }
 
 // The working key is the given one, its halves enciphered with itself; a text of one block is enciphered

@@ -53,25 +53,3 @@ TEST(Babel, WideTextEndsAtItsZeroUnitOrItsLimit) {
     EXPECT_EQ(zBabel::ConvertWideToUTF8(back, endless.data(), -1), 0);
     EXPECT_EQ(back.Length(), 409601U);
 }
-
-TEST(Babel, ComparesByItsFlags) {
-    constexpr unsigned int kCase = zBabel::kIgnoreCase;
-    constexpr unsigned int kMarks = zBabel::kIgnoreDiacritics;
-    constexpr unsigned int kIn = zBabel::kAnywhere;
-    const struct {
-        const char *a, *b;
-        unsigned int flags;
-        int expected;
-    } cases[] = {
-        {nullptr, nullptr, 0, 0},
-        {"a", nullptr, kCase, 1},
-        {"hello", "Ell", kIn, 1},
-        {"\xC3\x89t\xC3\xA9", "\xC3\xA9T\xC3\x89", kCase, 0},
-        {"\xC3\xA9", "e", kCase, -1},
-        {"\xC3\xA9", "e", kMarks, 0},
-        {"The R\xC3\xA9sum\xC3\xA9 File", "RESUME", kIn | kCase | kMarks, 0},
-        {"\xFF", "a", kCase, 1},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(zBabel::Compare(c.a, c.b, c.flags), c.expected) << (c.a ? c.a : "null") << c.flags;
-}

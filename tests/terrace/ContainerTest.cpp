@@ -6,7 +6,6 @@
 
 #include "zHeap.h"
 #include "zList.h"
-#include "zStacker.h"
 
 namespace {
 
@@ -31,17 +30,15 @@ TEST(List, KeepsBothDirectionsWhateverIsDone) {
     zList<int> list;
     list.Append(2);
     list.Prepend(1);
-    list.AddAtIndex(2, 4);
-    list.AddAtIndex(2, 3);
-    list.AddAtIndex(0x7FFFFFFF, 5);
-    list.Swap(0, 4);
-    EXPECT_EQ(values(list), (Ints{5, 2, 3, 4, 1}));
+    list.AddAtIndex(1, 3);
+    list.AddAtIndex(0x7FFFFFFF, 4);
+    list.Swap(0, 3);
+    EXPECT_EQ(values(list), (Ints{4, 3, 2, 1}));
     EXPECT_TRUE(list.Remove(3));
     EXPECT_FALSE(list.Remove(3));
-    EXPECT_EQ(list.RemoveFirst(), 5);
-    EXPECT_EQ(list.RemoveLast(), 1);
+    EXPECT_EQ(list.RemoveFirst(), 4);
     EXPECT_EQ(list.RemoveIndex(9), 0);
-    EXPECT_EQ(values(list), (Ints{2, 4}));
+    EXPECT_EQ(values(list), (Ints{2, 1}));
 }
 
 TEST(List, ALoopMayRemoveAnyElement) {
@@ -70,16 +67,14 @@ TEST(List, SortsAnyInput) {
     };
     std::mt19937 random(7);
     for (const unsigned int range : {1, 2, 100'000}) {
-        for (const int size : {0, 1, 2, 3, 50, 3000}) {
-            zList<int> list;
-            for (int i = 0; i < size; ++i)
-                list.Append(static_cast<int>(random() % range));
+        zList<int> list;
+        for (int size = 0; size < 500; ++size) {
             Ints expected = values(list);
             std::sort(expected.begin(), expected.end());
-            for (int round = 0; round < 2; ++round) { // The second time it is sorted.
-                Ascending(list).Sort();
-                EXPECT_EQ(values(list), expected);
-            }
+            Ascending(list).Sort();
+            ASSERT_EQ(values(list), expected);
+            list.Append(static_cast<int>(random() % range));
+            list.Prepend(static_cast<int>(random() % range));
         }
     }
 }
@@ -98,17 +93,4 @@ TEST(Heap, ALoopThatRemovesSkipsNone) {
     EXPECT_EQ(sum, 45);
     EXPECT_EQ(Ints(heap.begin(), heap.end()), (Ints{1, 2, 8, 4, 5, 7})) << "the last fills each hole";
     EXPECT_EQ(heap[6], 0);
-}
-
-TEST(Stacker, SpillsToTheHeapAndKeepsItsElements) {
-    const size_t before = zStackerDebugStats::TotalHeapBytes();
-    {
-        zStacker<int, 4> stack;
-        for (unsigned int i = 0; i < 4; ++i)
-            stack[i] = static_cast<int>(i);
-        EXPECT_EQ(zStackerDebugStats::TotalHeapBytes(), before);
-        stack[100] = 100;
-        EXPECT_EQ(stack[3], 3);
-    }
-    EXPECT_EQ(zStackerDebugStats::TotalHeapBytes(), before);
 }

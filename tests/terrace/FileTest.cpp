@@ -24,16 +24,12 @@ TEST(Path, GoesUpAndDown) {
 }
 
 TEST(Path, ExtensionBelongsToTheLastPart) {
-    const struct {
-        const char *path, *extension, *stripped;
-    } cases[] = {
-        {"/a/b.tar.gz", "gz", "/a/b.tar"}, {"/a.d/b", "", "/a.d/b"}, {"b", "", "b"}, {"b.", "", "b"}};
-    for (const auto& c : cases) {
-        zFSPath path(c.path);
-        EXPECT_STREQ(path.GetExtension(), c.extension);
-        path.StripFileExtension();
-        EXPECT_STREQ(path.Path(), c.stripped);
-    }
+    for (const auto& [path, extension] :
+         {std::pair{"/a/b.tar.gz", "gz"}, {"/a.d/b", ""}, {"b", ""}, {"b.", ""}})
+        EXPECT_STREQ(zFSPath(path).GetExtension(), extension);
+    zFSPath path("/a/b.tar.gz");
+    path.StripFileExtension();
+    EXPECT_STREQ(path.Path(), "/a/b.tar");
 }
 
 TEST(Directory, WalksFilesAndFolders) {

@@ -8,8 +8,7 @@
 
 /// A thread of the library's own that runs a function.
 inline std::unique_ptr<zThread> StartThread(std::function<int()> function, char flags = 0,
-                                            char priority = zThread::kNormalPriority,
-                                            const char* name = "test") {
+                                            char priority = zThread::kNormalPriority) {
     class Body : public zThreadMain {
       public:
         explicit Body(std::function<int()> work) : fWork(std::move(work)) {}
@@ -19,5 +18,5 @@ inline std::unique_ptr<zThread> StartThread(std::function<int()> function, char 
         std::function<int()> fWork;
     };
     return std::unique_ptr<zThread>(zThread::Factory(
-        name, new Body(std::move(function)), static_cast<char>(flags | zThread::kDeleteMain), priority));
+        "test", new Body(std::move(function)), static_cast<char>(flags | zThread::kDeleteMain), priority));
 }

@@ -40,17 +40,15 @@ TEST(Rect, HostileNumbersWrap) {
 }
 
 TEST(Color, PacksAndUnpacksInEveryOrder) {
-    const zColor color(0x11, 0x22, 0x33, 0x44);
-    EXPECT_EQ(zColor(0x11223344U), color);
-    EXPECT_EQ(color.RGBA(), 0x11223344U);
+    const zColor color(0x11223344U);
+    EXPECT_EQ(color, zColor(0x11, 0x22, 0x33, 0x44));
+    EXPECT_EQ(color.ARGB(), 0x44112233U);
+    EXPECT_EQ(color.ABGR(), 0x44332211U);
+    EXPECT_EQ(color.BGRA(), 0x33221144U);
     zColor argb, abgr, bgra;
-    argb.SetARGB(0x44112233U);
-    abgr.SetABGR(0x44332211U);
-    bgra.SetBGRA(0x33221144U);
-    for (const zColor& other : {argb, abgr, bgra}) {
+    argb.SetARGB(color.ARGB());
+    abgr.SetABGR(color.ABGR());
+    bgra.SetBGRA(color.BGRA());
+    for (const zColor& other : {argb, abgr, bgra})
         EXPECT_EQ(other, color);
-        EXPECT_EQ(other.ARGB(), 0x44112233U);
-        EXPECT_EQ(other.ABGR(), 0x44332211U);
-        EXPECT_EQ(other.BGRA(), 0x33221144U);
-    }
 }

@@ -5,7 +5,6 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -16,8 +15,6 @@
 namespace {
 
 constexpr unsigned int kValue = z4CCCC("valu");
-constexpr unsigned int kOther = z4CCCC("othr");
-constexpr unsigned int kChanged = z4CCCC("Rmod");
 
 /// Notes the value of each message and then does what it was told.
 class Listener : public zObserver {
@@ -44,24 +41,10 @@ class PumpedHandler : public zObserverHandler {
 
 int Post(const zObserver& observer, int value, unsigned int key = 0) {
     auto* message = new zRecord;
-    message->Set4CCCC(zRecord::kWhat, kChanged);
+    message->Set4CCCC(zRecord::kWhat, z4CCCC("Rmod"));
     message->SetInt32(kValue, value);
     return zObserverHandler::PostNotification(observer.ObserverID(), message, key);
 }
-
-class Subscriber : public zObserverRouterBase {
-  public:
-    Subscriber(std::string& calls, char name) : fCalls(calls), fName(name) {}
-    ~Subscriber() override { fCalls += '~'; }
-    bool Call(unsigned int, zRecord*, zRecord*, zRecord*) override {
-        fCalls += fName;
-        return false;
-    }
-
-  private:
-    std::string& fCalls;
-    const char fName;
-};
 
 } // namespace
 
@@ -140,32 +123,4 @@ TEST(Observer, HandlersComeAndGoWhileOthersPost) {
     }
     EXPECT_LE(listener.heard.size(), static_cast<size_t>(posted));
     EXPECT_EQ(Post(listener, 1), -1);
-}
-
-TEST(ObserverRouter, CallsEachMatchingSubscriberOnce) {
-    constexpr unsigned int kAny = zObserverRouter::kAny;
-    std::string calls;
-    zObserverRouter router;
-    zRecord message, newValues, oldValues;
-    message.set_id(5);
-    message.SetInt32(zRecord::kTableID, 9);
-    newValues.SetInt32(kValue, 1);
-    oldValues.SetInt32(kOther, 1);
-    const struct {
-        char name;
-        unsigned int what;
-        int table, record;
-        unsigned int variable;
-    } filters[] = {
-        {'a', kAny, -1, -1, kAny},  {'k', kChanged, -1, -1, kAny}, {'K', kOther, -1, -1, kAny},
-        {'t', kAny, 9, -1, kAny},   {'T', kAny, 8, -1, kAny},      {'r', kAny, -1, 5, kAny},
-        {'R', kAny, -1, 6, kAny},   {'n', kAny, -1, -1, kValue},   {'o', kAny, -1, -1, kOther},
-        {'V', kAny, -1, -1, 12345},
-    };
-    for (const auto& [name, what, table, record, variable] : filters)
-        router.AddHandler(new Subscriber(calls, name), what, table, record, variable);
-    router.HandleMessage(kChanged, &message, &newValues, &oldValues);
-    EXPECT_EQ(calls, "aktrno");
-    router.RemoveHandlerByRecord(-1, 5);
-    EXPECT_EQ(calls, "aktrno~");
 }

@@ -122,17 +122,3 @@ TEST(Record, ChildrenComeGoAndAreSorted) {
     EXPECT_EQ(parent.RemoveChild(9), nullptr);
     EXPECT_EQ(NumbersOf(parent), (Ints{1, 3, -1}));
 }
-
-TEST(Record, SearchesGoDepthFirstAndAsDeepAsTold) {
-    zRecord root;
-    root.SetCString(kB, "apple");
-    root.AddChild(new zRecord(root));
-    zRecord* const child = root.Child(0);
-    child->AddChild(NewNumber(77));
-    EXPECT_EQ(root.FindChildByStrVariable(kB, "apple", true, 5, kMatch_Exact), &root);
-    EXPECT_EQ(root.FindChildByStrVariable(kB, "app", false, 5, kMatch_Contains), child);
-    EXPECT_EQ(root.FindChildByStrVariable(kB, "app", false, 5, kMatch_Exact), nullptr);
-    EXPECT_EQ(root.FindChildByStrVariable(kA, "77", false, 1, kMatch_Exact), nullptr);
-    EXPECT_EQ(root.FindChildByStrVariable(kA, "77", false, 2, kMatch_Exact), child->Child(0));
-    EXPECT_EQ(root.FindChildByInt32Variable(kA, 0, true, 5), &root) << "an absent variable matches 0";
-}

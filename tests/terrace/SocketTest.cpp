@@ -126,10 +126,7 @@ TEST_F(SocketTest, NamesThatDoNotResolveConnectToNothing) {
     client->Create(zSocket::kBlocking);
     for (const char* name : {"256.1.1.1", "1.2.3.4.5", "", "no such host"})
         EXPECT_EQ(client->Connect(name, static_cast<short>(fPort), 0), zSocket::kUnknownHost) << name;
-    zString address;
-    EXPECT_EQ(zSocket::DNSLookup("256.1.1.1", address), -19);
-    EXPECT_EQ(zSocket::DNSLookup("localhost", address), 0);
-    EXPECT_STREQ(address, "127.0.0.1");
+    EXPECT_EQ(client->Connect("localhost", static_cast<short>(fPort), 0), 0);
 }
 
 TEST_F(SocketTest, PlatformErrorsHaveTheirCodes) {

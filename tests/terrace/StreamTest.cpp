@@ -21,25 +21,17 @@ std::string contents(zStream& stream) {
     return text;
 }
 
-std::string pattern(size_t size) {
-    std::string text;
-    for (size_t i = 0; i < size; ++i)
-        text += static_cast<char>('a' + i % 26);
-    return text;
-}
-
 } // namespace
 
 TEST(MemoryStream, ReadsAndWritesAcrossChunks) {
-    const std::string text = pattern(100);
     zMemoryStream stream(7);
-    stream.Write(text.c_str());
+    stream.Write("0123456789abcdefghij0123456789");
     stream.Seek(5, zStream::kFromStart);
     stream.Write("#########", 9);
-    EXPECT_EQ(contents(stream), std::string(text).replace(5, 9, "#########"));
+    EXPECT_EQ(contents(stream), "01234#########efghij0123456789");
     stream.Seek(10, zStream::kFromStart);
     EXPECT_EQ(stream.Truncate(), 0);
-    EXPECT_EQ(contents(stream), text.substr(0, 5) + "#####");
+    EXPECT_EQ(contents(stream), "01234#####");
 }
 
 TEST(MemoryStreams, SeekByOneRule) {
@@ -76,31 +68,12 @@ TEST(MemoryStreams, SeekByOneRule) {
 TEST(BufferStream, GrowsInStepsAndTrims) {
     zBuffer buffer;
     zBufferStream stream(buffer, 4096);
-    const std::string text = pattern(5000);
+    const std::string text = std::string(5000, 'x');
     stream.Write(text.c_str());
     EXPECT_EQ(buffer.Size(), 8192U);
     EXPECT_EQ(contents(stream), text);
     stream.ResizeBufferToFit();
     EXPECT_EQ(std::string(buffer.Data(), buffer.Size()), text);
-}
-
-TEST(Stream, CopiesTakeBytesAndNothingElse) {
-    zMemoryStream from(3);
-    from.Write("0123456789");
-    zMemoryStream chunks(4);
-    chunks.Write("a longer text than that");
-    from.Seek(4, zStream::kFromStart);
-    EXPECT_EQ(zStream::ExactCopy(chunks, from, 4), 0);
-    EXPECT_EQ(from.Position(), 4U) << "back in its place";
-    EXPECT_EQ(contents(chunks), "0123456789");
-    zStream& same = chunks;
-    chunks = same;
-    EXPECT_EQ(contents(chunks), "0123456789");
-    EXPECT_EQ(chunks.OptimalBufferSize(), 4U) << "each keeps its own chunks";
-    char memory[5] = "";
-    zMemPtrStream pointer(memory, 4);
-    pointer = from;
-    EXPECT_STREQ(memory, "0123") << "cut short at the end of the memory";
 }
 
 TEST(FileStream, WritesReadsUpdatesAndAppends) {

@@ -138,33 +138,3 @@ TEST(Variable, TwoThreadsMayPrintOneVariable) {
     };
     const std::jthread one(print), two(print);
 }
-
-TEST(Variable, CopiesKeepTheMarkOfTheirTarget) {
-    const zVariable source = Text("a text on the heap");
-    zVariable target;
-    target.SetRegistered();
-    target = source;
-    EXPECT_TRUE(target.IsRegistered());
-    EXPECT_EQ(TextOf(target), "a text on the heap");
-    EXPECT_FALSE(zVariable(target).IsRegistered());
-    target.Convert(zVariable::kNone);
-    EXPECT_TRUE(target.IsRegistered());
-}
-
-TEST(Variable, CompareGoesByTheKindOfTheFirst) {
-    zVariable a;
-    zVariable b;
-    EXPECT_EQ(a.Compare(b), 1) << "the inverted sense of two empty ones";
-    a.SetInt32(1, std::numeric_limits<int>::min());
-    b.SetInt32(1, 1);
-    EXPECT_EQ(a.Compare(b), std::numeric_limits<int>::max()) << "the subtraction wraps";
-    a.SetInt64(1, 0x100000005);
-    b.SetInt64(1, 5);
-    EXPECT_EQ(a.Compare(b), 0) << "only the low halves count";
-    EXPECT_LT(Text("abc").Compare(Text("abd")), 0);
-    a.SetRect(1, zRect(1, 9, 3, 4));
-    b.SetRect(1, zRect(1, 2, 5, 4));
-    EXPECT_EQ(a.Compare(b), -2) << "right comes before top";
-    a.SetColor(1, zColor(10, 2, 3, 255));
-    EXPECT_EQ(a.Compare(a), 245) << "alpha is set against red";
-}

@@ -23,23 +23,18 @@ TEST(XPath, LeadsToTheFirstMatch) {
         {"/patois[@id='x']", 0}, // the start need not meet a condition
         {"/patois/language", 1},
         {"/language", 1}, // the first step may lead down at once
-        {"/patois/language[]", 1},
         {"/patois/language[@id='en']", 2},
         {"/patois/*[@id='en']", 2},
-        {"/patois/other[@id='en']", 4},
         {"/patois/language[@id='1.5']", 5},
         {"/patois/language[@id='en']/key", 3},
-        {"/patois/language[@id='en']/*", 3},
         {"/patois/language/key", -1}, // no way back from the first language
         {"/patois/language[@missing='en']", -1},
         {"/other/language", -1},
         {"/patois/language[@id=en]", -1},
         {"/patois/language[id='en']", -1},
-        {"/patois/language[@='en']", -1},
         {"/patois/language[1]", -1},
         {"/patois[", 0},
         {"/patois/language[@id='en", -1},
-        {"/", -1},
         {"//", -1},
     };
     for (const auto& c : kCases) {
