@@ -12,6 +12,9 @@ namespace receiver {
 
 namespace {
 
+/// In which pictures wait in memory for the sound that belongs before them, in microseconds.
+constexpr int64_t kLongestWait = 400'000;
+
 const char* muxer_name(const MediaFormat& format) {
     switch (format.container) {
     case MediaFormat::Container::kMatroska:
@@ -83,6 +86,7 @@ bool MediaWriter::start(const MediaFormat& format, int width, int height, std::s
     fParts->format = format;
     muxer->pb = fParts->output.IO();
     muxer->flags |= AVFMT_FLAG_CUSTOM_IO;
+    muxer->max_interleave_delta = kLongestWait;
     if (fPath == "-")
         muxer->flags |= AVFMT_FLAG_FLUSH_PACKETS; // Somebody is watching.
     if ((format.hasPictures && !fParts->pictures.Open(*muxer, format, width, height, reason)) ||

@@ -1,6 +1,7 @@
 #include "Recorder.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "Interruption.h"
@@ -172,7 +173,7 @@ int64_t Recorder::next_picture_time() const {
 bool Recorder::fill(Clock::time_point now) {
     if (!fWriter.IsOpen())
         return true;
-    const int64_t time = fTimeline.Now(now);
+    const int64_t time = std::min(fTimeline.Now(now), last_time());
     // A reader who was stuck gets no flood of large pictures.
     const bool makesUp = has_constant_rate() || fSettings.format.IsCompressed();
     if (fSettings.format.hasPictures)
@@ -212,6 +213,11 @@ int64_t Recorder::duration() const {
     return static_cast<int64_t>(fSettings.seconds * 1e6);
 }
 
+/// That anything may have.
+int64_t Recorder::last_time() const {
+    return fSettings.seconds > 0 ? duration() - 1 : std::numeric_limits<int64_t>::max();
+}
+
 bool Recorder::is_over(Clock::time_point now) const {
     if (!fWriter.IsOpen())
         return now >= fBegin + fSettings.patience;
@@ -220,13 +226,15 @@ bool Recorder::is_over(Clock::time_point now) const {
 
 /// The last picture lasts to the end.
 void Recorder::finish() {
-    fEndTime = fTimeline.Now(Clock::now());
+    const Clock::time_point now = Clock::now();
+    fEndTime = fTimeline.Now(now);
     if (fSettings.seconds > 0)
         fEndTime = std::min(fEndTime, duration());
-    const int64_t last = fEndTime - static_cast<int64_t>(1e6 / fSettings.format.rate);
-    if (fWriter.Failure().empty() && fSettings.format.hasPictures && !has_constant_rate() &&
-        fWriter.LastPictureTime() < last)
-        fWriter.WritePicture(last);
+    if (fWriter.Failure().empty() && fill(now)) {
+        const int64_t last = fEndTime - static_cast<int64_t>(1e6 / fSettings.format.rate);
+        if (fSettings.format.hasPictures && !has_constant_rate() && fWriter.LastPictureTime() < last)
+            fWriter.WritePicture(last);
+    }
     fWriter.Close();
 }
 

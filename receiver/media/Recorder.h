@@ -83,6 +83,7 @@ class Recorder {
     int64_t next_picture_time() const;
     Clock::time_point next_deed(Clock::time_point now) const;
     int64_t duration() const;
+    int64_t last_time() const;
     bool is_over(Clock::time_point now) const;
     std::string why_no_picture() const;
 

@@ -17,8 +17,10 @@ constexpr int kLargestChunk = 4096; ///< Sample frames, of silence and of uncomp
 
 /// Sound that doesn't join on by more than this is moved; a server's blocks come early or late by less.
 constexpr int64_t kTolerance = SoundTrack::kRate / 20;
-/// Sound that is later than this by the present isn't waited for.
-constexpr int64_t kPatience = SoundTrack::kRate * 2 / 5;
+/// Sound that doesn't by more than this on average is moved, too.
+constexpr int64_t kMeanTolerance = SoundTrack::kRate / 50;
+/// Sound that is later than this isn't waited for. Servers keep it for a second, for a receiver that is busy.
+constexpr int64_t kPatience = SoundTrack::kRate * 3 / 2;
 
 // Drifts are measured over a second and stretched away so slowly that nobody hears it.
 constexpr int64_t kMeasured = SoundTrack::kRate;
@@ -61,15 +63,9 @@ int SoundTrack::Write(std::span<const uint8_t> samples, int channels, int rate, 
     const size_t frameBytes = static_cast<size_t>(channels) * sizeof(int16_t);
     auto frames = static_cast<int64_t>(samples.size() / frameBytes);
     const int64_t error = frames_at(time) - fPosition;
-    const int64_t tolerance = fIsFlowing ? kTolerance : 0;
-    int64_t skipped = 0;
-    int status = 0;
-    if (error > tolerance)
-        status = add_silence(error);
-    else if (error < -tolerance)
-        skipped = std::min(av_rescale(-error, rate, kRate), frames);
-    else
-        steer(error, frames);
+    const bool isMoved = !fIsFlowing || std::abs(error) > kTolerance || !steer(error, frames);
+    int status = isMoved && error > 0 ? add_silence(error) : 0;
+    const int64_t skipped = isMoved && error < 0 ? std::min(av_rescale(-error, rate, kRate), frames) : 0;
     if (skipped < frames) {
         fIsFlowing = true;
         const size_t offset = static_cast<size_t>(skipped) * frameBytes;
@@ -140,14 +136,16 @@ int SoundTrack::add_silence(int64_t frames) {
     return 0;
 }
 
-/// Stretches the sound a little while it is off on average.
-void SoundTrack::steer(int64_t error, int64_t frames) {
+/// Stretches the sound a little while it is off on average. False if it is off by too much for that.
+bool SoundTrack::steer(int64_t error, int64_t frames) {
     fErrorSum += error * frames;
     fErrorFrames += frames;
     if (fErrorFrames < kMeasured)
-        return;
+        return true;
     const int64_t mean = fErrorSum / fErrorFrames;
     fErrorSum = fErrorFrames = 0;
+    if (std::abs(mean) > kMeanTolerance)
+        return false;
     const bool wasStretching = fIsStretching;
     fIsStretching = std::abs(mean) > (wasStretching ? kNegligible : kNoticed);
     const int64_t delta =
@@ -155,6 +153,7 @@ void SoundTrack::steer(int64_t error, int64_t frames) {
     // It resamples from the first time on; until then samples pass as they are.
     if (fIsStretching || wasStretching)
         swr_set_compensation(fConverter.get(), static_cast<int>(delta), delta == 0 ? 0 : kRate);
+    return true;
 }
 
 int SoundTrack::Advance(int64_t now) {

@@ -34,7 +34,7 @@ class SoundTrack {
     bool prepare(int channels, int rate);
     int convert(const uint8_t* samples, int frames);
     int add_silence(int64_t frames);
-    void steer(int64_t error, int64_t frames);
+    bool steer(int64_t error, int64_t frames);
     int encode(bool all);
     AVFrame* frame_for(int frames);
 

@@ -20,10 +20,13 @@ int64_t sound_clock(int64_t time) {
 
 TEST(SoundClock, FollowsTheMachineThoughTheSoundRunsFast) {
     SoundClock clock;
-    for (int64_t time = kStart; time < kStart + 600'000'000; time += kPoll) {
-        const int64_t end = clock.End(sound_clock(time), time);
-        ASSERT_LE(end, time);
-        ASSERT_GE(end, time - 12'000) << (time - kStart) / 1000 << " ms";
+    int64_t count = 0;
+    for (int64_t time = kStart; time < kStart + 600'000'000; time += kPoll, ++count) {
+        // Now and then the time stamp is old when the sound is taken, since a whole frame took long to
+        // encode.
+        const int64_t old = count % 20 == 7 ? 40'000 : 0;
+        const int64_t heard = time - time % 10'000;
+        ASSERT_LT(std::abs(clock.End(sound_clock(time), time - old) - heard), 10'000) << count;
     }
 }
 
@@ -39,12 +42,12 @@ TEST(SoundClock, KnowsWhatAServerLostWhileNobodyAsked) {
     EXPECT_EQ(clock.End(7, time), time) << "its clock has begun anew";
 }
 
-TEST(SoundClock, IsNeverAheadOfItsReplyWhateverAServerSays) {
+TEST(SoundClock, IsNeverFarAheadOfItsReplyWhateverAServerSays) {
     constexpr int64_t kMost = int64_t{1} << 60; // As replies are read.
     SoundClock clock;
     for (const int64_t sound : {kMost, -kMost, int64_t{0}, kMost, int64_t{1}})
         for (const int64_t reply : {-kMost, int64_t{0}, kStart, kMost})
-            EXPECT_LE(clock.End(sound, reply), reply);
+            EXPECT_LE(clock.End(sound, reply), reply + 100'000);
 }
 
 TEST(Timeline, GoesOnWhenTheServerIsAwayAndJoinsOnToANewOne) {

@@ -1,7 +1,9 @@
 // The commands record and pipe, with a real server whose card flashes when its tone clicks.
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <optional>
 
 #include <gmock/gmock.h>
 
@@ -40,27 +42,44 @@ class RecordTest : public testing::Test {
     std::string line;
 };
 
-/// How many clicks lie within a frame of a flash's begin. Those that were heard while the machine was too
-/// busy for pictures tell nothing; of the others each must.
-int clicks_with_flashes(const MediaFile& file) {
-    int found = 0;
-    for (const double click : file.Clicks()) {
-        const auto& shots = file.shots;
-        bool isSmooth = click > shots.front().time + 0.2 && click < shots.back().time - 0.2;
-        bool isNear = false;
-        for (size_t i = 1; i < shots.size(); ++i) {
-            const double step = shots[i].time - shots[i - 1].time;
-            isSmooth = isSmooth && (std::abs(shots[i].time - click) > 0.1 || step < 0.05);
-            isNear = isNear || (shots[i].centre > kLit && shots[i - 1].centre < kLit &&
-                                click > shots[i - 1].time - kFrame && click < shots[i].time + kFrame);
-        }
-        found += isSmooth && isNear;
-        EXPECT_TRUE(isNear || !isSmooth) << "the click at " << click << " s has no flash";
-    }
-    return found;
+/// Whether pictures came smoothly around a time.
+bool is_smooth(const MediaFile& file, double time) {
+    const auto& shots = file.shots;
+    for (size_t i = 1; i < shots.size(); ++i)
+        if (std::abs(shots[i].time - time) < 0.2 && shots[i].time - shots[i - 1].time > 0.025)
+            return false;
+    return true;
 }
 
-void expect_sync(const MediaFile& file, double seconds, int clicks) {
+/// How far a click is from the time in which a flash began: between a dark picture and the next one, which is
+/// lit. Nothing where none did within half a second.
+std::optional<double> distance_to_flash(const MediaFile& file, double click) {
+    const auto& shots = file.shots;
+    for (size_t i = 1; i < shots.size(); ++i)
+        if (shots[i].centre > kLit && shots[i - 1].centre < kLit && std::abs(shots[i].time - click) < 0.5)
+            return std::max({shots[i - 1].time - click, click - shots[i].time, 0.0});
+    return std::nullopt;
+}
+
+/// A machine that is too busy for pictures shows single flashes late; on the whole they are in time, and each
+/// is where pictures come smoothly.
+void expect_flashes_with_clicks(const MediaFile& file) {
+    std::vector<double> distances;
+    for (const double click : file.Clicks()) {
+        const auto distance = distance_to_flash(file, click);
+        if (!distance)
+            continue;
+        distances.push_back(*distance);
+        if (is_smooth(file, click)) {
+            EXPECT_LT(*distance, kFrame) << "at " << click << " s";
+        }
+    }
+    ASSERT_GE(distances.size(), 2U);
+    std::sort(distances.begin(), distances.end());
+    EXPECT_LT(distances[distances.size() / 2], kFrame);
+}
+
+void expect_sync(const MediaFile& file, double seconds) {
     ASSERT_TRUE(file.isReadable);
     EXPECT_EQ(file.width, 1280);
     EXPECT_EQ(file.height, 720);
@@ -69,24 +88,22 @@ void expect_sync(const MediaFile& file, double seconds, int clicks) {
     EXPECT_TRUE(file.isContinuous);
     EXPECT_NEAR(file.shots.back().time - file.shots.front().time, seconds, 0.2);
     EXPECT_NEAR(file.SoundEnd() - file.shots.front().time, seconds, 0.5);
-    EXPECT_GE(clicks_with_flashes(file), clicks);
+    expect_flashes_with_clicks(file);
 }
 
 TEST_F(RecordTest, KeepsPictureAndSoundInSync) {
-    Daemon second({"--host", "builtin"}); // Sound is for one client at a time.
-    Program other({GLASSPANE_CLIENT, "record", "127.0.0.1:" + std::to_string(second.Port()), "-o",
-                   Path("film.MP4"), "--duration", "6"});
-    EXPECT_EQ(Run("record " + Server() + " --duration 6 --json -o " + Path("film.mkv")), 0);
-    EXPECT_THAT(line, StartsWith("{\"file\":\"" + Path("film.mkv")));
-    EXPECT_THAT(line, HasSubstr("\"end\":\"duration\""));
-    EXPECT_EQ(other.WaitForExit(std::chrono::seconds(60)), 0);
-    expect_sync(MediaFile(Path("film.mkv"), kFlashX, kFlashY), 6, 2);
-    expect_sync(MediaFile(Path("film.MP4"), kFlashX, kFlashY), 6, 2);
+    for (const char* name : {"film.mkv", "film.MP4"}) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(Run("record " + Server() + " --duration 5 --json -o " + Path(name)), 0);
+        EXPECT_THAT(line, StartsWith("{\"file\":\"" + Path(name)));
+        EXPECT_THAT(line, HasSubstr("\"end\":\"duration\""));
+        expect_sync(MediaFile(Path(name), kFlashX, kFlashY), 5);
+    }
 }
 
 TEST_F(RecordTest, PipesWhatPlayersRead) {
     EXPECT_EQ(Run("pipe " + Server() + " --duration 3 >" + Path("film.nut")), 0);
-    expect_sync(MediaFile(Path("film.nut"), kFlashX, kFlashY), 3, 1);
+    expect_sync(MediaFile(Path("film.nut"), kFlashX, kFlashY), 3);
     EXPECT_EQ(Run("pipe " + Server() + " --format raw --video-only --rate 10 --duration 1 >" + Path("film")),
               0);
     const auto pictureBytes = uintmax_t{1280} * 720 * 4;
