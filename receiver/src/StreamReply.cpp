@@ -1,5 +1,6 @@
 #include "StreamReply.h"
 
+#include <algorithm>
 #include <string>
 
 #include "Reply.h"
@@ -12,6 +13,12 @@ constexpr int kMostChannels = 8;
 constexpr int kHighestRate = 192'000;
 
 const zRect kNowhere(0, 0, -1, -1);
+
+/// A clock in microseconds, within what can be added and subtracted.
+int64_t read_clock(const zRecord& element, const char* name) {
+    constexpr int64_t kLatest = int64_t{1} << 60;
+    return std::clamp<int64_t>(element.AsInt64(name, 0), -kLatest, kLatest);
+}
 
 /// Edges in order, and a size that can be held.
 bool is_sensible(const zRect& rect) {
@@ -64,7 +71,7 @@ class SectionReader {
             return false;
         }
         const size_t frameBytes = static_cast<size_t>(channels) * sizeof(int16_t);
-        fOut.sound = {channels, rate, fElement.AsInt64("audiotimestamp", 0),
+        fOut.sound = {channels, rate, read_clock(fElement, "audiotimestamp"),
                       section.data.first(section.data.size() / frameBytes * frameBytes)};
         return true;
     }
@@ -92,7 +99,7 @@ bool StreamReply::Read(const Reply& reply, std::string& reason) {
         reason = "the reply tells no frame that a picture could have";
         return false;
     }
-    timestamp = element.AsInt64("timestamp", 0);
+    timestamp = read_clock(element, "timestamp");
     instance = element.AsUInt32("instance", 0);
     nextSequence = element.AsUInt32("next_sequence_id", 0);
     if (element.ExistsName("mouse_location"))
