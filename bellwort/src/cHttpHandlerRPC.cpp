@@ -85,10 +85,13 @@ void cHttpHandlerRPC::send_reply(zSocket* socket, const zRecord& reply, zRecord&
     zBuffer xml;
     if (zXML::RecordToBuffer(&xml, reply, kAllOptions, false, false) != 0)
         return;
+    // A packet for each piece would cost a turn through the network each, and wake the client for nothing.
+    socket->SetTCPCork(true);
     if (attachments.IsEmpty())
         send_xml_response(socket, xml);
     else
         send_xop_response(socket, xml, multipart, attachments);
+    socket->SetTCPCork(false);
 }
 
 void cHttpHandlerRPC::send_xml_response(zSocket* socket, zBuffer& xml) {

@@ -250,6 +250,10 @@ int zSocket::SetTCPNoDelay() {
     return set_option(IPPROTO_TCP, TCP_NODELAY, 1);
 }
 
+int zSocket::SetTCPCork(bool corked) {
+    return set_option(IPPROTO_TCP, TCP_CORK, corked);
+}
+
 int zSocket::SetBroadcast() {
     return set_option(SOL_SOCKET, SO_BROADCAST, 1);
 }
