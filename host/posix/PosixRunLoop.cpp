@@ -120,7 +120,7 @@ bool PosixRunLoop::wait(SourceList& readySources) {
         entries.push_back({source->descriptor, POLLIN, 0});
     if (poll(entries.data(), entries.size(), time_until_due()) < 0)
         return errno == EINTR || errno == ENOMEM;
-    if (take_stop())
+    if (entries[0].revents && take_stop())
         return false;
 
     for (size_t i = 0; i < watched.size(); ++i) {

@@ -60,25 +60,26 @@ int X11Watch::Descriptor() const {
 }
 
 bool X11Watch::Take(X11News& news) {
-    // Whatever reads from the server may bring notes with it, which then are in memory, where no one waits.
-    do
-        take_notes(news);
-    while (fDamage && fDamage->Step(news.drawn));
+    // This reads what has come. Whatever else reads from the server may bring notes with it, which then are
+    // in memory, where no one waits.
+    X11Reply<xcb_generic_event_t> event(xcb_poll_for_event(fConnection->Xcb()));
+    while (event || (fDamage && fDamage->Step(news.drawn))) {
+        if (event)
+            take_note(event->response_type & ~kSentByClient, news);
+        event.reset(xcb_poll_for_queued_event(fConnection->Xcb()));
+    }
     return fConnection->IsAlive();
 }
 
 /// Errors that nobody waits for come this way too, and have the type 0.
-void X11Watch::take_notes(X11News& news) {
-    while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(fConnection->Xcb())}) {
-        const int type = event->response_type & ~kSentByClient;
-        if (type == fDamageEvents + XCB_DAMAGE_NOTIFY && fDamage)
-            fDamage->Note();
-        else if (type == XCB_CONFIGURE_NOTIFY || type == fMonitorEvents + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
-                 type == fMonitorEvents + XCB_RANDR_NOTIFY)
-            news.displaysChanged = true;
-        else if (type == fCursorEvents + XCB_XFIXES_CURSOR_NOTIFY)
-            news.pointerChanged = true;
-    }
+void X11Watch::take_note(int type, X11News& news) {
+    if (type == fDamageEvents + XCB_DAMAGE_NOTIFY && fDamage)
+        fDamage->Note();
+    else if (type == XCB_CONFIGURE_NOTIFY || type == fMonitorEvents + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+             type == fMonitorEvents + XCB_RANDR_NOTIFY)
+        news.displaysChanged = true;
+    else if (type == fCursorEvents + XCB_XFIXES_CURSOR_NOTIFY)
+        news.pointerChanged = true;
 }
 
 } // namespace host

@@ -36,7 +36,7 @@ class X11Watch {
   private:
     explicit X11Watch(std::unique_ptr<X11Connection> connection);
     void select_notes() const;
-    void take_notes(X11News& news);
+    void take_note(int type, X11News& news);
 
     std::unique_ptr<X11Connection> fConnection;
     std::unique_ptr<X11Damage> fDamage; ///< Null with a server that can't tell.
