@@ -1,9 +1,12 @@
 #include <expat.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
+#include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "zBuffer.h"
@@ -16,12 +19,35 @@ namespace {
 
 constexpr std::string_view kWhiteSpace{" \t\r\n\0", 5};
 
+struct ParserFree {
+    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+};
+using Parser = std::unique_ptr<XML_ParserStruct, ParserFree>;
+
+/// To make a parser takes longer than to read a request with it, so each thread keeps one for its next
+/// document.
+thread_local Parser tSpareParser;
+
+/// A parser keeps the room that its document took: one of more bytes is not worth keeping.
+constexpr int64_t kMaxSpareBytes = 64 * 1024;
+
+Parser take_parser() {
+    Parser parser = std::move(tSpareParser);
+    if (!parser || !XML_ParserReset(parser.get(), nullptr))
+        parser.reset(XML_ParserCreate(nullptr));
+    // One for the process does what it is for, and asking the system for each document takes time.
+    static const unsigned long salt = std::random_device()();
+    XML_SetHashSalt(parser.get(), salt);
+    return parser;
+}
+
 /// One parse: builds records from what Expat reports.
 ///
 /// Text is gathered across pieces and stored when the run ends, as a document can deliver it byte by byte.
 class Reader {
   public:
     Reader(unsigned int options, zRecord* root);
+    ~Reader();
     Reader(const Reader&) = delete;
     Reader& operator=(const Reader&) = delete;
 
@@ -29,10 +55,6 @@ class Reader {
     int Parse(const char* data, int size, bool last);
 
   private:
-    struct ParserFree {
-        void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
-    };
-
     void start_element(const char* name, const char** attributes);
     void end_element();
     void add_text(std::string_view piece);
@@ -44,11 +66,11 @@ class Reader {
     zRecord* const fRoot;
     std::vector<zRecord*> fOpen; // the elements around the current place, the root first
     std::string fText;           // of the run that is not stored yet
-    std::unique_ptr<XML_ParserStruct, ParserFree> fParser;
+    int64_t fSize = 0;
+    Parser fParser;
 };
 
-Reader::Reader(unsigned int options, zRecord* root)
-    : fOptions(options), fRoot(root), fParser(XML_ParserCreate(nullptr)) {
+Reader::Reader(unsigned int options, zRecord* root) : fOptions(options), fRoot(root), fParser(take_parser()) {
     XML_SetUserData(fParser.get(), this);
     XML_SetElementHandler(
         fParser.get(),
@@ -66,7 +88,13 @@ Reader::Reader(unsigned int options, zRecord* root)
         });
 }
 
+Reader::~Reader() {
+    if (fSize <= kMaxSpareBytes)
+        tSpareParser = std::move(fParser);
+}
+
 int Reader::Parse(const char* data, int size, bool last) {
+    fSize += size;
     const bool wellFormed = XML_Parse(fParser.get(), data, size, last) == XML_STATUS_OK;
     if (last || !wellFormed)
         store_text();
