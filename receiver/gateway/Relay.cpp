@@ -132,7 +132,7 @@ std::shared_ptr<const View::Picture> Relay::copy_picture(bool isNew, bool isWant
 }
 
 View::Pointer Relay::pointer() {
-    const PointerShape* shape = fShowsPointer ? fStream.Pointer() : nullptr;
+    const auto shape = fShowsPointer ? fStream.Pointer() : nullptr;
     if (!shape)
         return {};
     const StreamReply& reply = fStream.Last();

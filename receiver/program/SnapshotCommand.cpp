@@ -52,7 +52,7 @@ Picture copy_of(const Stream& stream, bool hasPointer) {
     const Canvas& canvas = stream.Picture();
     const auto size = static_cast<size_t>(canvas.RowBytes()) * static_cast<size_t>(canvas.Height());
     Picture picture{canvas.Width(), canvas.Height(), {canvas.Row(0), canvas.Row(0) + size}};
-    if (const PointerShape* pointer = stream.Pointer(); pointer && hasPointer)
+    if (const auto& pointer = stream.Pointer(); pointer && hasPointer)
         pointer->DrawInto(picture.pixels.data(), picture.width, picture.height, stream.PointerPlace().x,
                           stream.PointerPlace().y);
     return picture;

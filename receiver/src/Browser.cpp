@@ -1,6 +1,7 @@
 #include "Browser.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "Host.h"
 #include "cBonjour.h"
@@ -39,12 +40,15 @@ class Listener : public zObserver {
         return host;
     }
 
-    /// Of a text record such as "\x03v=2".
-    static std::string version_of(const std::string& text) {
-        const size_t place = text.find("v=");
-        return place == text.npos
-                   ? ""
-                   : text.substr(place + 2, text.find_first_of("\x01\x02\x03", place) - place - 2);
+    /// From a text record, which is a row of texts, each behind a byte with its length, as in "\x03v=2".
+    static std::string version_of(std::string_view record) {
+        while (!record.empty()) {
+            const std::string_view text = record.substr(1, static_cast<unsigned char>(record[0]));
+            if (text.starts_with("v="))
+                return std::string(text.substr(2));
+            record.remove_prefix(1 + text.size());
+        }
+        return "";
     }
 
     std::vector<Browser::Server>& fServers;

@@ -36,6 +36,9 @@ class Connection {
     /// Calls a method without parameters.
     bool Call(const char* method, Reply& reply, std::string& reason);
 
+    /// Other limits, for the next calls.
+    void SetLimits(const Limits& limits) { fLimits = limits; }
+
     const Address& Server() const { return fAddress; }
     /// Of all replies so far, without their heads.
     uint64_t BytesReceived() const { return fBytesReceived; }
@@ -47,7 +50,7 @@ class Connection {
 
     const Address fAddress;
     const Interruption* fInterruption;
-    const Limits fLimits;
+    Limits fLimits;
     std::unique_ptr<cHttpSession> fSession; ///< Null while there is no connection.
     uint64_t fBytesReceived = 0;
 };

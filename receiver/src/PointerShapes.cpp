@@ -62,21 +62,27 @@ void PointerShape::DrawInto(uint8_t* canvas, int canvasWidth, int canvasHeight, 
     }
 }
 
-const PointerShape* PointerShapes::Get(Connection& connection, uint32_t instance, uint32_t id) {
-    if (instance != fInstance || fShapes.size() > kMaxCount)
-        Forget();
-    fInstance = instance;
-    const auto [place, isNew] = fShapes.try_emplace(id);
-    PointerShape& shape = place->second;
-    if (isNew) {
-        zRecord members;
-        members.SetUInt32("mouse_id", id);
-        std::string reason;
-        Reply reply;
-        if (!connection.Call("SnapshotMouse", members, reply, reason) || !shape.Read(reply))
-            shape = {};
+std::shared_ptr<const PointerShape> PointerShapes::Get(Connection& connection, uint32_t instance,
+                                                       uint32_t id) {
+    if (instance != fInstance || fEntries.size() > kMaxCount || fBytes > kMaxBytes) {
+        fEntries.clear();
+        fBytes = 0;
     }
-    return shape.pixels.empty() ? nullptr : &shape;
+    fInstance = instance;
+    Entry& entry = fEntries[id];
+    if (entry.shape || Clock::now() < entry.retry)
+        return entry.shape;
+    zRecord members;
+    members.SetUInt32("mouse_id", id);
+    std::string reason;
+    Reply reply;
+    auto shape = std::make_shared<PointerShape>();
+    if (connection.Call("SnapshotMouse", members, reply, reason) && shape->Read(reply)) {
+        fBytes += shape->pixels.size();
+        entry.shape = std::move(shape);
+    }
+    entry.retry = Clock::now() + kRetry;
+    return entry.shape;
 }
 
 } // namespace receiver

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -28,17 +30,24 @@ struct PointerShape {
 /// The shapes that one run of the server has told, by their ids.
 class PointerShapes {
   public:
-    /// A server has tens of shapes; one that has more begins anew.
+    /// A server has tens of shapes of some kilobytes; beyond either bound all are fetched anew.
     static constexpr size_t kMaxCount = 256;
+    static constexpr size_t kMaxBytes = size_t{16} << 20;
+    /// A shape that could not be had is asked for again after so long.
+    static constexpr std::chrono::seconds kRetry{5};
 
-    /// The shape by that id, fetched over the connection if it isn't known; null if it can't be had. Valid
-    /// until the next call. A shape that could not be had is not asked for again before Forget.
-    const PointerShape* Get(Connection& connection, uint32_t instance, uint32_t id);
-
-    void Forget() { fShapes.clear(); }
+    /// The shape by that id, fetched over the connection if it isn't known; null if it can't be had.
+    std::shared_ptr<const PointerShape> Get(Connection& connection, uint32_t instance, uint32_t id);
 
   private:
-    std::map<uint32_t, PointerShape> fShapes; ///< An empty one for what could not be had.
+    using Clock = std::chrono::steady_clock;
+    struct Entry {
+        std::shared_ptr<const PointerShape> shape; ///< Null for what could not be had.
+        Clock::time_point retry;
+    };
+
+    std::map<uint32_t, Entry> fEntries;
+    size_t fBytes = 0; ///< Of all shapes.
     uint32_t fInstance = 0;
 };
 

@@ -71,7 +71,7 @@ bool Reply::parse_multipart(const std::string& contentType) {
 }
 
 bool Reply::parse_document(std::span<const uint8_t> text) {
-    return !text.empty() &&
+    return !text.empty() && text.size() <= kMaxDocument &&
            zXML::ParseBuffer(zXML::kAll, &fDocument, reinterpret_cast<const char*>(text.data()),
                              static_cast<int>(text.size())) == 0;
 }

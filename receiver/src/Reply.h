@@ -21,6 +21,10 @@ class Reply {
         std::span<const uint8_t> data;
     };
 
+    /// The XML of a reply has some hundred bytes, that of menus some thousand. More is refused: a record
+    /// takes many times what its element does.
+    static constexpr size_t kMaxDocument = size_t{1} << 20;
+
     /// What came, for the one who receives it. The sections point into it.
     zBuffer& Body() { return fBody; }
 

@@ -14,6 +14,8 @@ constexpr Stream::Clock::duration kLongestPause = 5s;
 constexpr int kDoublings = 5;
 /// States of the picture that the server keeps: who is further behind may have missed some.
 constexpr uint32_t kKeptStates = 10;
+/// A pointer that is slow to come must not hold up the picture for long.
+constexpr Connection::Limits kShapeLimits{.seconds = 1, .bytes = 8u * 1024 * 1024};
 
 double milliseconds_since(Stream::Clock::time_point time) {
     return std::chrono::duration<double, std::milli>(Stream::Clock::now() - time).count();
@@ -22,7 +24,9 @@ double milliseconds_since(Stream::Clock::time_point time) {
 } // namespace
 
 Stream::Stream(Settings settings, const Interruption* interruption)
-    : fSettings(std::move(settings)), fConnection(fSettings.server, interruption, fSettings.limits) {}
+    : fSettings(std::move(settings)),
+      fConnection(fSettings.server, interruption, fSettings.limits),
+      fWantsSound(fSettings.withSound) {}
 
 Stream::Event Stream::Poll() {
     const Clock::time_point begin = Clock::now();
@@ -51,7 +55,7 @@ zRecord Stream::request() const {
 }
 
 bool Stream::fetch(std::string& reason) {
-    const char* method = fSettings.withSound ? "SnapshotByDiffsWithAudio" : "SnapshotByDiffs";
+    const char* method = fWantsSound ? "SnapshotByDiffsWithAudio" : "SnapshotByDiffs";
     const uint64_t before = fConnection.BytesReceived();
     const bool hasReply = fConnection.Call(method, request(), fReply, reason);
     fFigures.bytes += fConnection.BytesReceived() - before;
@@ -63,19 +67,31 @@ Stream::Event Stream::take(std::string& reason) {
     if (fLast.isMuted || fLast.isScreenSaverActive) {
         ++fFigures.mutedPolls;
         fPreviousTimestamp = 0;
+        fPointer.reset();
         return Event::kMuted;
     }
     const bool isContinued = !note_instance() && fPreviousTimestamp != 0;
     note_clocks(isContinued);
-    fPointer = fLast.pointer ? fShapes.Get(fConnection, fLast.instance, fLast.pointer->shape) : nullptr;
     const Event event = take_pictures(isContinued, reason);
+    take_pointer();
     fPreviousTimestamp = fLast.timestamp;
     return event;
 }
 
+void Stream::take_pointer() {
+    fPointer.reset();
+    if (!fLast.pointer)
+        return;
+    const uint64_t before = fConnection.BytesReceived();
+    fConnection.SetLimits(kShapeLimits);
+    fPointer = fShapes.Get(fConnection, fLast.instance, fLast.pointer->shape);
+    fConnection.SetLimits(fSettings.limits);
+    fFigures.bytes += fConnection.BytesReceived() - before;
+}
+
 Stream::Event Stream::take_pictures(bool isContinued, std::string& reason) {
     note_move();
-    const bool isBehind = fLast.nextSequence - fSequence > kKeptStates;
+    const bool isBehind = fLast.nextSequence - fSequence > kKeptStates + 1;
     if (!fLast.IsWholeFrame() &&
         (fCanvas.IsEmpty() || fSequence == 0 || (isBehind && !fLast.pictures.empty()))) {
         fSequence = 0; // Changes of something that isn't here.
@@ -117,6 +133,7 @@ Stream::Event Stream::fail(const std::string& reason) {
     fFailure = reason;
     fSequence = 0;
     fPreviousTimestamp = 0;
+    fPointer.reset();
     return Event::kFailed;
 }
 

@@ -43,6 +43,10 @@ class Stream {
     /// Makes one call, which may take as long as the limits allow.
     Event Poll();
 
+    /// Whether the next polls ask for the sound, too. Sound that one client takes no other gets: who has no
+    /// use for it now should leave it.
+    void SetSound(bool wanted) { fWantsSound = wanted; }
+
     /// When to poll again: at the pace, or later after failures in a row.
     Clock::time_point NextPoll() const { return fNextPoll; }
 
@@ -60,9 +64,8 @@ class Stream {
     /// The sound that the last poll brought; null for none.
     const StreamReply::Sound* Sound() const;
 
-    /// The pointer's shape, null while none shows, and where its left top corner lies on the canvas. The
-    /// shape is valid until the next poll.
-    const PointerShape* Pointer() const { return fPointer; }
+    /// The pointer's shape, null while none shows, and where its left top corner lies on the canvas.
+    const std::shared_ptr<const PointerShape>& Pointer() const { return fPointer; }
     zPoint PointerPlace() const;
 
     /// Why the last poll failed; empty if it didn't.
@@ -91,6 +94,7 @@ class Stream {
     Event fail(const std::string& reason);
     bool note_instance();
     void note_clocks(bool isContinued);
+    void take_pointer();
     void note_move();
     void count_pictures(bool isContinued);
     void schedule();
@@ -101,7 +105,8 @@ class Stream {
     StreamReply fLast;
     Canvas fCanvas;
     PointerShapes fShapes;
-    const PointerShape* fPointer = nullptr;
+    std::shared_ptr<const PointerShape> fPointer;
+    bool fWantsSound;
     uint32_t fSequence = 0; ///< What to send next.
     uint64_t fPictureNumber = 0;
     int64_t fPictureTime = 0;

@@ -55,7 +55,9 @@ class SectionReader {
             reason = "picture " + std::to_string(number) + " of the reply has no place in the frame";
             return false;
         }
-        if (fOut.pictures.size() == StreamReply::kMaxPictures) {
+        fPixels += area(place);
+        if (fOut.pictures.size() == StreamReply::kMaxPictures ||
+            fPixels > StreamReply::kMaxCoverage * area(fOut.frame)) {
             reason = "the reply has too many pictures";
             return false;
         }
@@ -76,8 +78,11 @@ class SectionReader {
         return true;
     }
 
+    static int64_t area(const zRect& rect) { return int64_t{rect.Width()} * rect.Height(); }
+
     const zRecord& fElement;
     StreamReply& fOut;
+    int64_t fPixels = 0; ///< Of all pictures.
 };
 
 } // namespace

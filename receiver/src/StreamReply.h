@@ -20,6 +20,9 @@ struct StreamReply {
     static constexpr int64_t kMaxPixels = int64_t{64} << 20;
     static constexpr int kMaxSide = 16384;
     static constexpr size_t kMaxPictures = 4096;
+    /// The pictures of one reply together have at most so many times the pixels of the frame: some states'
+    /// worth of changes.
+    static constexpr int64_t kMaxCoverage = 12;
 
     struct Picture {
         zRect place;                   ///< In the coordinates of the server's screen, within the frame.
