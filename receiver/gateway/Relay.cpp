@@ -24,6 +24,7 @@ Relay::Relay(const Stream::Settings& settings, const Interruption& interruption)
     : fInterruption(interruption),
       fStream(settings, &interruption),
       fLastDemand(Clock::now()),
+      fLastSoundDemand(fLastDemand - kAttention),
       fThread([this] { run(); }) {}
 
 void Relay::Stop() {
@@ -46,11 +47,17 @@ bool Relay::IsStopped() const {
 
 void Relay::run() {
     while (!IsStopped() && !fInterruption.IsRaised()) {
+        fStream.SetSound(is_sound_wanted());
         const Stream::Event event = fStream.Poll();
         fLastPoll = Clock::now();
         note(event);
         rest();
     }
+}
+
+bool Relay::is_sound_wanted() const {
+    std::lock_guard lock(fMutex);
+    return fStream.Chosen().withSound && Clock::now() - fLastSoundDemand < kAttention;
 }
 
 /// Until the next poll.
@@ -258,6 +265,7 @@ uint64_t Relay::SoundEnd() const {
 
 bool Relay::WaitForSound(uint64_t& place, std::vector<uint8_t>& out, Clock::duration bound) {
     std::unique_lock lock(fMutex);
+    fLastSoundDemand = Clock::now();
     note_demand();
     fNews.wait_for(lock, bound, [&] { return fIsStopped || fSound.End() != place; });
     fSound.Read(place, out);

@@ -42,7 +42,8 @@ struct RelayStatus {
 };
 
 /// Follows one source for any number of viewers. Its thread owns the stream; the viewers' threads wait here
-/// for what is new, and take the newest: nothing queues up for them. Without viewers it polls seldom.
+/// for what is new, and take the newest: nothing queues up for them. Without viewers it polls seldom, and
+/// without listeners it leaves the sound to other clients of the server.
 class Relay {
   public:
     using Clock = std::chrono::steady_clock;
@@ -87,6 +88,7 @@ class Relay {
 
   private:
     void run();
+    bool is_sound_wanted() const;
     void rest();
     Clock::time_point next_poll() const;
     bool wants_more() const;
@@ -108,6 +110,7 @@ class Relay {
     std::condition_variable fDemand; ///< For the thread.
     bool fIsStopped = false;
     Clock::time_point fLastDemand;
+    Clock::time_point fLastSoundDemand;
     std::array<int, View::kNeeds> fWaiting{}; ///< Viewers, for each need.
     std::shared_ptr<const View> fView = std::make_shared<View>();
     std::map<uint64_t, std::shared_ptr<const PointerShape>> fShapes;

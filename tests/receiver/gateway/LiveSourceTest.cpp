@@ -10,6 +10,7 @@
 #include "HttpServer.h"
 #include "Picture.h"
 #include "SoundRing.h"
+#include "Stream.h"
 
 namespace {
 
@@ -89,6 +90,27 @@ TEST_F(LiveSourceTest, StreamsMovingPicturesEventsAndSound) {
         rises += at(i - SoundRing::kFrameBytes) < 0 && at(i) >= 0;
     }
     EXPECT_NEAR(rises, 1000, 300);
+}
+
+TEST_F(LiveSourceTest, LeavesTheSoundToOthersUntilSomebodyListens) {
+    TestClient viewer(Port());
+    Ask(viewer, "/stream");
+    LiveReader stream(viewer);
+    stream.TakeUntil("\r\n\r\n");
+    ASSERT_NE(stream.TakePart(), "");
+    Stream other({.server = {"127.0.0.1", daemon.Port()}, .withSound = true}, nullptr);
+    int64_t begin = 0, end = 0; // Of the server's sound clock.
+    size_t frames = 0;
+    ASSERT_TRUE(Eventually([&] {
+        other.Poll();
+        if (const auto* sound = other.Sound()) {
+            end = sound->endTime;
+            frames += begin == 0 ? 0 : sound->FrameCount();
+            begin = begin == 0 ? end : begin;
+        }
+        return end - begin > 1'000'000;
+    }));
+    EXPECT_NEAR(static_cast<double>(frames), 0.0441 * static_cast<double>(end - begin), 4410);
 }
 
 TEST_F(LiveSourceTest, ThePageIsThereAndForeignNamesAreRefused) {
