@@ -139,24 +139,29 @@ std::shared_ptr<const View::Picture> Relay::copy_picture(bool isNew, bool isWant
 }
 
 View::Pointer Relay::pointer() {
-    const auto shape = fShowsPointer ? fStream.Pointer() : nullptr;
+    const auto& shape = fStream.Pointer();
     if (!shape)
         return {};
     const StreamReply& reply = fStream.Last();
     const uint64_t id = uint64_t{reply.instance} << 32 | reply.pointer->shape;
+    keep(id, shape);
+    return {fStream.PointerPlace(), id, shape};
+}
+
+/// For the viewers that ask for it by its id.
+void Relay::keep(uint64_t id, const std::shared_ptr<const PointerShape>& shape) {
     std::lock_guard lock(fMutex);
-    if (fShapes.size() >= PointerShapes::kMaxCount && !fShapes.contains(id))
+    if (fShapes.size() >= PointerShapes::kMaxCount || fShapeBytes > PointerShapes::kMaxBytes) {
         fShapes.clear();
-    auto& copy = fShapes[id];
-    if (!copy)
-        copy = std::make_shared<PointerShape>(*shape);
-    return {fStream.PointerPlace(), id, copy};
+        fShapeBytes = 0;
+    }
+    if (fShapes.emplace(id, shape).second)
+        fShapeBytes += shape->pixels.size();
 }
 
 /// Tells the viewers what a poll has brought.
 void Relay::note(Stream::Event event) {
     const bool isUseful = event == Stream::Event::kPicture || event == Stream::Event::kIdle;
-    fShowsPointer = isUseful && fStream.Last().pointer;
     publish(event == Stream::Event::kPicture);
     {
         std::lock_guard lock(fMutex);

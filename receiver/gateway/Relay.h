@@ -95,6 +95,7 @@ class Relay {
     void publish(bool isNewPicture);
     std::shared_ptr<const View::Picture> copy_picture(bool isNew, bool isWanted, bool arePixelsWanted) const;
     View::Pointer pointer();
+    void keep(uint64_t id, const std::shared_ptr<const PointerShape>& shape);
     void note(Stream::Event event);
     void note_status(Stream::Event event);
     void take_figures();
@@ -103,7 +104,6 @@ class Relay {
     const Interruption& fInterruption;
     Stream fStream; ///< The thread's own, as the next few.
     Clock::time_point fLastPoll;
-    bool fShowsPointer = false;
 
     mutable std::mutex fMutex;       ///< For all that follows.
     std::condition_variable fNews;   ///< For viewers.
@@ -114,6 +114,7 @@ class Relay {
     std::array<int, View::kNeeds> fWaiting{}; ///< Viewers, for each need.
     std::shared_ptr<const View> fView = std::make_shared<View>();
     std::map<uint64_t, std::shared_ptr<const PointerShape>> fShapes;
+    size_t fShapeBytes = 0;
     RelayStatus fStatus;
     uint64_t fReportNumber = 1;
     uint64_t fPolls = 0;
