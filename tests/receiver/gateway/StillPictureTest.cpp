@@ -54,7 +54,7 @@ class StillPictureTest : public GatewayTest {
                 return ScriptedServer::Answer{menus.Bytes()};
             if (request.find("SetSourceFromMenuItem") != request.npos)
                 chosen = request;
-            return ScriptedServer::Answer{isSilent ? "" : whole.Bytes()};
+            return ScriptedServer::Answer{isSilent ? "" : whole.Bytes(), ScriptedServer::kKeepOpen, pieces};
         });
         Start(server->Port());
         ASSERT_TRUE(
@@ -65,6 +65,7 @@ class StillPictureTest : public GatewayTest {
     RealReply menus{"menus"};
     std::string chosen;
     bool isSilent = false;
+    int pieces = 1; ///< Of each reply, slowly sent.
     std::string jpeg;
     std::unique_ptr<ScriptedServer> server;
 };
@@ -127,6 +128,13 @@ TEST_F(StillPictureTest, AServerThatStallsIsToldOfInOneLineAndComesBack) {
     set_silent(false);
     EXPECT_TRUE(Eventually([&] { return says("\"connected\":true,\"failure\":\"\""); }));
     EXPECT_EQ(Status(Get("/snapshot.jpg")), 200);
+}
+
+TEST_F(StillPictureTest, ASlowServerIsWaitedForLongerThanAnyPictureTakes) {
+    callSeconds = 30;
+    pieces = 6; // Half a second for each reply.
+    Serve(32, false);
+    EXPECT_TRUE(is_upright(Get("/snapshot.jpg").body));
 }
 
 TEST_F(StillPictureTest, SourcesAreListedAndChosen) {
