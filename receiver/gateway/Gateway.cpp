@@ -168,13 +168,16 @@ std::shared_ptr<const View> Gateway::present_view(Encodings::Kind kind) {
     const auto bound = std::chrono::duration_cast<Relay::Clock::duration>(call) + kPictureWait;
     if (!fRelay->WaitForPresent(bound) && !fRelay->GetReport().status.failure.empty())
         return nullptr;
-    return fRelay->WaitForView(Encodings::NeedFor(kind), 0, bound);
+    return fRelay->WaitForView(fEncodings.NeedFor(kind), 0, bound);
 }
 
 void Gateway::send_snapshot(const Request& request, Response& response) {
     const Encodings::Kind kind = kind_of(request);
-    if (const auto view = present_view(kind))
-        return reply(response, fEncodings.Get(kind, *view).jpeg);
+    while (const auto view = present_view(kind)) {
+        const Encodings::Encoded encoded = fEncodings.Get(kind, *view);
+        if (!encoded.lacksPixels)
+            return reply(response, encoded.jpeg);
+    }
     const RelayStatus status = fRelay->GetReport().status;
     reply(response, 503,
           !status.failure.empty() ? status.failure + "\n"

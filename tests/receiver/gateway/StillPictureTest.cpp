@@ -87,6 +87,11 @@ TEST_F(StillPictureTest, WholeFramesGoOnWithoutAnEncoding) {
 
 TEST_F(StillPictureTest, PicturesThatCannotBeTurnedAreEncodedUpright) {
     Serve(40, false); // Two and a half rows of blocks.
+    TestClient client(Port());
+    Ask(client, "/stream?pointer=0");
+    LiveReader stream(client);
+    stream.TakeUntil("\r\n\r\n");
+    EXPECT_TRUE(is_upright(stream.TakePart()));
     EXPECT_TRUE(is_upright(Get("/snapshot.jpg").body));
     EXPECT_GT(gateway->EncodedPictures(), 0U);
 }
