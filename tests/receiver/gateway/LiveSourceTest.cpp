@@ -116,6 +116,10 @@ TEST_F(LiveSourceTest, LeavesTheSoundToOthersUntilSomebodyListens) {
 TEST_F(LiveSourceTest, ThePageIsThereAndForeignNamesAreRefused) {
     EXPECT_THAT(Get("/").body, HasSubstr("<canvas"));
     EXPECT_THAT(Get("/page.js").head, HasSubstr("text/javascript"));
+    TestClient asker(Port());
+    asker.Send("HEAD /stream HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    EXPECT_THAT(LiveReader(asker).TakeUntil("\r\n\r\n"),
+                testing::AllOf(StartsWith("HTTP/1.1 200"), testing::Not(HasSubstr("Ranges"))));
     EXPECT_EQ(Status(Get("/nothing")), 404);
     for (const char* header :
          {"Host: elsewhere.example\r\n", "Host: localhost\r\nOrigin: http://elsewhere.example\r\n", ""}) {
@@ -168,7 +172,7 @@ TEST_F(LiveSourceTest, TheCommandServesUntilItIsInterrupted) {
     Program second({GLASSPANE_CLIENT, "serve", server, "--listen", "127.0.0.1:" + std::to_string(port)});
     EXPECT_THAT(second.ReadLine(), HasSubstr("port " + std::to_string(port) + " is taken"));
     EXPECT_EQ(second.WaitForExit(), 1);
-    for (const char* nonsense : {"--listen=:::", "--rate=0", "--quality=best"})
+    for (const char* nonsense : {"--listen=:::", "--listen=8141", "--rate=0", "--quality=best"})
         EXPECT_EQ(Program({GLASSPANE_CLIENT, "serve", server, nonsense}).WaitForExit(), 2) << nonsense;
 
     Ask(client, "/stream"); // An open connection doesn't hold it.
