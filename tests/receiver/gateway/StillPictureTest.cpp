@@ -149,7 +149,8 @@ TEST_F(StillPictureTest, SourcesAreListedAndChosen) {
     ASSERT_EQ(list.size(), 6U);
     EXPECT_EQ(list[2]["screen"], 0);
     const std::string title = "A \"B\" \\ </script>\nC";
-    EXPECT_EQ(list[4]["window"], title);
+    EXPECT_EQ(list[4]["kind"], "window");
+    EXPECT_EQ(list[4]["title"], title);
 
     const std::string json = "Content-Type: application/json\r\n";
     EXPECT_EQ(Status(Post(nlohmann::json{{"window", title}}.dump(), json)), 200);
