@@ -1,6 +1,7 @@
 // Feeds whatever comes into the one who reads a server's replies: a first line with the content type, then
 // the body.
 
+#include <climits>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,19 +15,22 @@
 
 namespace {
 
-constexpr int kMostPixels = 256 * 256; ///< Of a frame that is drawn: larger ones are slow and teach nothing.
+constexpr int64_t kMostPixels = 256 * 256; ///< That are drawn: more is slow and teaches nothing.
 
 void draw(const receiver::Reply& reply) {
     receiver::StreamReply update;
     std::string reason;
     if (!update.Read(reply, reason) || update.isMuted || update.isScreenSaverActive)
         return;
-    if (update.frame.Width() * update.frame.Height() > kMostPixels)
+    int64_t pixels = 0;
+    for (const auto& picture : update.pictures)
+        pixels += int64_t{picture.place.Width()} * picture.place.Height();
+    if (pixels > kMostPixels)
         return;
     // Behind an earlier frame of another size, as where a source changes.
     receiver::Canvas canvas;
     receiver::StreamReply shifted = update;
-    ++shifted.frame.right;
+    shifted.frame.right += shifted.frame.right < INT_MAX ? 1 : 0;
     canvas.Draw(shifted, reason);
     canvas.Draw(update, reason);
 }

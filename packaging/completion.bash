@@ -27,12 +27,14 @@ _glasspane_client() {
     --quality)
       [ "${COMP_WORDS[1]}" = snapshot ] || mapfile -t COMPREPLY < <(compgen -W "low normal high" -- "$word")
       return ;;
+    --format) mapfile -t COMPREPLY < <(compgen -W "nut raw" -- "$word"); return ;;
+    --pixels) mapfile -t COMPREPLY < <(compgen -W "bgr0 yuv420p" -- "$word"); return ;;
     --listen) mapfile -t COMPREPLY < <(compgen -W "127.0.0.1:8090 0.0.0.0:8090" -- "$word"); return ;;
   esac
   # The options are those that the command itself tells.
   if [[ $word == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$("$1" "${COMP_WORDS[1]}" --help 2>/dev/null |
-                                             grep -oE '(^|[ ,])--?[a-z][a-z-]*' | tr -d ' ,')" -- "$word")
+                                             sed -nE 's/^  (-[a-z],)?(--?[a-z-]+).*/\2/p')" -- "$word")
   elif [ "$COMP_CWORD" -eq 2 ]; then
     mapfile -t COMPREPLY < <(compgen -A hostname -- "$word")
   fi

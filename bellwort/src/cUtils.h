@@ -10,8 +10,8 @@ class cUtils {
   public:
     /// A header's name must be shorter than this, in bytes; a longer one drops its header.
     static constexpr int kMaxHeaderName = 255;
-    /// Variables of a record that takes headers; from then on headers are dropped, as each is looked for among
-    /// the others.
+    /// Variables of a record that takes headers; from then on headers are dropped, as each is looked for
+    /// among the others.
     static constexpr unsigned int kMaxHeaders = 512;
 
     /// Reads a header block into text variables of `record`, named as the headers. A line that is no header

@@ -10,7 +10,8 @@
 
 namespace CLI {
 class App;
-}
+class Validator;
+} // namespace CLI
 
 namespace receiver {
 
@@ -27,6 +28,13 @@ struct Client {
     static int Fail(const std::string& reason);
     /// Prints one line of JSON on standard output; texts that are no UTF-8 are mended. kSuccess.
     static int Print(const nlohmann::ordered_json& json);
+    /// Sends off what was printed. The status, or kFailure with a reason if it could not be written. Quiet
+    /// when nobody reads it any more.
+    static int Flush(int status);
+    /// A text of a server's as it may be printed: without control characters.
+    static std::string Plain(const std::string& text);
+    /// For an option that takes a number, and no other text.
+    static CLI::Validator Within(double least, double most);
     /// Adds the argument HOST, which is checked, to a command.
     static void AddServer(CLI::App& command, Address& server);
 };

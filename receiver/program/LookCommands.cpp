@@ -42,7 +42,8 @@ int discover(const Client& client, const Discovery& options) {
         return Client::Print(list);
     }
     for (const auto& server : servers)
-        printf("%-30s %s:%d\n", server.name.c_str(), server.host.c_str(), server.port);
+        printf("%-30s %s:%d\n", Client::Plain(server.name).c_str(), Client::Plain(server.host).c_str(),
+               server.port);
     if (servers.empty())
         return Client::Fail("nobody serves on this network; name the server if it is on another one");
     return Client::kSuccess;
@@ -98,8 +99,8 @@ int info(const Client& client, const Question& options) {
                               {"source", source},
                               {"has_menus", hasMenu}});
     printf("%s: protocol %s, %d x %d%s%s\n", options.server.Text().c_str(),
-           static_cast<const char*>(info.version), info.width, info.height, source.empty() ? "" : ", ",
-           source.c_str());
+           Client::Plain(static_cast<const char*>(info.version)).c_str(), info.width, info.height,
+           source.empty() ? "" : ", ", Client::Plain(source).c_str());
     return Client::kSuccess;
 }
 
@@ -108,9 +109,10 @@ int info(const Client& client, const Question& options) {
 void print(const SourceMenu::Item& item) {
     const char* mark = item.isChecked ? "*" : " ";
     if (item.kind == SourceMenu::Item::Kind::kWindow)
-        printf("%s window   %s (%s)\n", mark, item.title.c_str(), item.application.c_str());
+        printf("%s window   %s (%s)\n", mark, Client::Plain(item.title).c_str(),
+               Client::Plain(item.application).c_str());
     else
-        printf("%s %s %d %s\n", mark, KindText(item.kind), item.screen, item.title.c_str());
+        printf("%s %s %d %s\n", mark, KindText(item.kind), item.screen, Client::Plain(item.title).c_str());
 }
 
 int menus(const Client& client, const Question& options) {
@@ -155,7 +157,7 @@ int choose_source(const Client& client, const Choice& choice) {
     const SourceMenu::Item* item = find(menu, choice, reason);
     if (!item || !menu.Choose(connection, *item, reason))
         return Client::Fail(reason);
-    printf("%s shows %s\n", choice.server.Text().c_str(), item->title.c_str());
+    printf("%s shows %s\n", choice.server.Text().c_str(), Client::Plain(item->title).c_str());
     return Client::kSuccess;
 }
 
@@ -175,8 +177,8 @@ void add_discover(CLI::App& program, Client& client) {
     CLI::App* command = program.add_subcommand("discover", "Lists the servers on this network");
     const auto options = std::make_shared<Discovery>();
     command->add_option("--time", options->seconds, "Seconds to listen")
-        ->check(CLI::Range(0.1, 600.0))
-        ->capture_default_str();
+        ->check(Client::Within(0.1, 600))
+        ->option_text("SECONDS (2)");
     command->add_flag("--json", options->json, "Print JSON; an empty list is no failure then");
     command->callback(
         [&client, options] { client.command = [&client, options] { return discover(client, *options); }; });
@@ -187,14 +189,16 @@ void add_source(CLI::App& program, Client& client) {
     const auto options = std::make_shared<Choice>();
     Client::AddServer(*command, options->server);
     CLI::Option* screen = command->add_option("--screen", options->screen, "A screen by its number, from 0")
-                              ->check(CLI::NonNegativeNumber);
+                              ->check(Client::Within(0, 1000))
+                              ->option_text("N");
     command->add_flag("--region", options->region, "A region of the screen, which the server's user draws")
         ->needs(screen);
     CLI::Option* window =
         command->add_option("--window", options->window, "A window by its title or a part of it")
-            ->excludes(screen);
+            ->excludes(screen)
+            ->option_text("TITLE");
     command->callback([&client, options, screen, window] {
-        if (screen->empty() && window->empty())
+        if (screen->empty() && options->window.empty())
             throw CLI::RequiredError("--screen or --window");
         client.command = [&client, options] { return choose_source(client, *options); };
     });

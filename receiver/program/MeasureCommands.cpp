@@ -1,5 +1,6 @@
 #include <ctime>
 #include <memory>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -51,7 +52,13 @@ nlohmann::ordered_json json_of(const Histogram& histogram) {
 }
 
 nlohmann::ordered_json json_of(const Stream& stream, const Figures& figures, const Rates& rates) {
+    const Canvas& canvas = stream.Picture();
     return {{"server", stream.Chosen().server.Text()},
+            {"connected", stream.FailureCount() == 0},
+            {"failure", stream.Failure()},
+            {"muted", stream.Last().isMuted || stream.Last().isScreenSaverActive},
+            {"width", canvas.IsEmpty() ? 0 : canvas.Width()},
+            {"height", canvas.IsEmpty() ? 0 : canvas.Height()},
             {"seconds", rates.seconds},
             {"polls", figures.polls},
             {"polls_per_second", rates.polls},
@@ -73,35 +80,44 @@ nlohmann::ordered_json json_of(const Stream& stream, const Figures& figures, con
 
 // ---- watch ----
 
-std::string line_of(const Stream& stream, Stream::Event event, const Rates& rates, const Figures& figures) {
-    if (event == Stream::Event::kFailed)
+std::string line_of(const Stream& stream, const Rates& rates, const Figures& figures) {
+    if (stream.FailureCount() > 0)
         return stream.Failure();
-    char text[200];
     const Canvas& canvas = stream.Picture();
+    char text[200];
     snprintf(text, sizeof text,
-             "%d x %d%s  %4.0f polls/s  %4.0f pictures/s  %6.1f Mbit/s  delay %.1f ms (99 %%: %.1f)",
+             "%d x %d%s  %.0f polls/s  %.0f pictures/s  %.1f Mbit/s  delay %.1f ms (99 %%: %.1f)",
              canvas.IsEmpty() ? 0 : canvas.Width(), canvas.IsEmpty() ? 0 : canvas.Height(),
-             event == Stream::Event::kMuted ? ", paused" : "", rates.polls, rates.pictures, rates.megabits,
+             figures.mutedPolls > 0 ? " paused" : "", rates.polls, rates.pictures, rates.megabits,
              figures.delay.Percentile(0.5), figures.delay.Percentile(0.99));
     std::string line = text;
+    snprintf(text, sizeof text, "  clock %+.0f ppm", stream.ClockDriftPpm());
+    line += text;
     if (stream.Chosen().withSound) {
-        snprintf(text, sizeof text, "  sound %.0f Hz",
-                 static_cast<double>(figures.soundFrames) / rates.seconds);
+        snprintf(text, sizeof text, "  sound %.0f Hz %+.0f ppm",
+                 static_cast<double>(figures.soundFrames) / rates.seconds, stream.SoundDriftPpm());
         line += text;
     }
     return line;
 }
 
-/// Once a second; on a terminal in place.
-void show(const Stream& stream, Stream::Event event, const Figures& figures, double cpu, bool json) {
+/// Prints in the place of the line before on a terminal, as far as it has room.
+void print_in_place(const std::string& line) {
+    winsize size = {};
+    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
+    printf("\r\x1b[K%.*s", isKnown ? size.ws_col - 1 : static_cast<int>(line.size()), line.c_str());
+}
+
+/// Once a second. False when nobody reads it any more.
+bool show(const Stream& stream, const Figures& figures, double cpu, bool json) {
     const Rates rates(figures, cpu);
-    if (json) {
+    if (json)
         Client::Print(json_of(stream, figures, rates));
-    } else {
-        const bool inPlace = isatty(STDOUT_FILENO);
-        printf(inPlace ? "\r\x1b[K%s" : "%s\n", line_of(stream, event, rates, figures).c_str());
-    }
-    fflush(stdout);
+    else if (isatty(STDOUT_FILENO))
+        print_in_place(line_of(stream, rates, figures));
+    else
+        puts(line_of(stream, rates, figures).c_str());
+    return fflush(stdout) == 0;
 }
 
 int watch(const Client& client, const Measurement& options) {
@@ -114,8 +130,8 @@ int watch(const Client& client, const Measurement& options) {
     while (isRunning) {
         const Stream::Event event = stream.Poll();
         isRunning = !client.interruption.IsRaised() && (options.seconds == 0 || Clock::now() < end);
-        if (Clock::now() >= due || event == Stream::Event::kFailed) {
-            show(stream, event, stream.TakeFigures(), cpu_seconds() - cpu, options.json);
+        if (Clock::now() >= due || (event == Stream::Event::kFailed && isRunning)) {
+            isRunning &= show(stream, stream.TakeFigures(), cpu_seconds() - cpu, options.json);
             cpu = cpu_seconds();
             due = Clock::now() + kEvery;
         }
@@ -155,8 +171,10 @@ int bench(const Client& client, const Measurement& options) {
         return Client::Fail(stream.Failure());
     stream.TakeFigures();
     const double cpu = cpu_seconds();
-    const auto end = Clock::now() + std::chrono::duration<double>(options.seconds);
-    while (Clock::now() < end && client.interruption.WaitUntil(stream.NextPoll()))
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                        std::chrono::duration<double>(options.seconds));
+    const auto due = [&] { return std::min<Clock::time_point>(stream.NextPoll(), end); };
+    while (client.interruption.WaitUntil(due()) && Clock::now() < end)
         stream.Poll();
     const Figures figures = stream.TakeFigures();
     const Rates rates(figures, cpu_seconds() - cpu);
@@ -177,14 +195,16 @@ void add(CLI::App& program, Client& client, const char* name, const char* descri
     options->seconds = seconds;
     Client::AddServer(*command, options->stream.server);
     command->add_option("--rate", options->stream.rate, "Polls a second; 0 for as fast as replies come")
-        ->check(CLI::Range(0.0, 1000.0))
-        ->capture_default_str();
-    command->add_option("--duration", options->seconds, "Seconds")
-        ->check(CLI::Range(0.0, 1e6))
-        ->capture_default_str();
+        ->check(Client::Within(0, 1000))
+        ->option_text(rate > 0 ? "N (60)" : "N (0)");
+    command
+        ->add_option("--duration", options->seconds,
+                     seconds > 0 ? "How long" : "How long; 0 for until Ctrl-C")
+        ->check(Client::Within(seconds > 0 ? 0.1 : 0, 1e6))
+        ->option_text(seconds > 0 ? "SECONDS (10)" : "SECONDS (0)");
     command->add_option("--quality", options->stream.quality, "Of the pictures")
         ->check(CLI::IsMember({"low", "normal", "high"}))
-        ->capture_default_str();
+        ->option_text("low|normal|high (normal)");
     command->add_flag("--sound", options->stream.withSound, "Ask for the sound, too");
     command->add_flag("--json", options->json, "Print JSON");
     command->callback([&client, options, run] {
@@ -195,8 +215,7 @@ void add(CLI::App& program, Client& client, const char* name, const char* descri
 } // namespace
 
 void AddMeasureCommands(CLI::App& program, Client& client) {
-    add(program, client, "watch", "Shows live figures of a source until Ctrl-C; --duration 0 means for ever",
-        60, 0, watch);
+    add(program, client, "watch", "Shows live figures of a source until Ctrl-C", 60, 0, watch);
     add(program, client, "bench", "Measures rates, delays and bytes, as fast as replies come", 0, 10, bench);
 }
 

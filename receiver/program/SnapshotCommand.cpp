@@ -102,17 +102,20 @@ void AddSnapshotCommand(CLI::App& program, Client& client) {
     Client::AddServer(*command, options->server);
     command->add_option("-o,--output", options->path, "FILE.jpg or FILE.png; - for a JPEG on standard output")
         ->required()
+        ->option_text("FILE")
         ->check([](const std::string& path) {
             return PictureFile::IsKnown(path) ? std::string() : path + " is neither .jpg nor .png";
         });
     command->add_option("--crop", options->crop, "Pixels to cut off at the left, top, right and bottom")
         ->expected(4)
         ->delimiter(',')
-        ->check(CLI::NonNegativeNumber);
+        ->check(Client::Within(0, 100'000))
+        ->option_text("LEFT,TOP,RIGHT,BOTTOM");
     command->add_option("--quality", options->quality, "Of a JPEG, 1 to 100")
-        ->check(CLI::Range(1, 100))
-        ->capture_default_str();
-    command->add_flag("!--no-pointer", options->hasPointer, "Leave the pointer out");
+        ->check(Client::Within(1, 100))
+        ->option_text("N (90)");
+    command->add_flag_callback(
+        "--no-pointer", [options] { options->hasPointer = false; }, "Leave the pointer out");
     command->callback(
         [&client, options] { client.command = [&client, options] { return snapshot(client, *options); }; });
 }

@@ -19,6 +19,7 @@ receiver::Interruption gInterruption;
 void interrupt(int) {
     gInterruption.Raise();
     signal(SIGINT, SIG_DFL); // The second one ends it at once.
+    signal(SIGTERM, SIG_DFL);
 }
 
 void stop_on_signals() {
@@ -26,7 +27,8 @@ void stop_on_signals() {
     action.sa_handler = interrupt;
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
-    signal(SIGPIPE, SIG_IGN);
+    signal(SIGPIPE, SIG_IGN); // Errors of writing are told by those who write.
+    signal(SIGXFSZ, SIG_IGN);
 }
 
 /// The exit status when there is nothing to do.
@@ -62,7 +64,7 @@ int main(int argc, char** argv) {
     host::HostScope scope(host);
     stop_on_signals();
     zBoot::Startup();
-    const int status = client.command();
+    const int status = receiver::Client::Flush(client.command());
     zBoot::Shutdown();
     return status;
 }

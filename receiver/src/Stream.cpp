@@ -12,6 +12,7 @@ using namespace std::chrono_literals;
 constexpr Stream::Clock::duration kFirstPause = 250ms; ///< After one failure; then twice as long each time.
 constexpr Stream::Clock::duration kLongestPause = 5s;
 constexpr int kDoublings = 5;
+constexpr double kLongestInterval = 3600; ///< Seconds, at any pace.
 /// States of the picture that the server keeps: who is further behind may have missed some.
 constexpr uint32_t kKeptStates = 10;
 /// A pointer that is slow to come must not hold up the picture for long.
@@ -168,7 +169,8 @@ void Stream::schedule() {
             now + std::min(kFirstPause * (1 << std::min(fFailureCount - 1, kDoublings)), kLongestPause);
         return;
     }
-    const std::chrono::duration<double> interval(fSettings.rate > 0 ? 1 / fSettings.rate : 0);
+    const std::chrono::duration<double> interval(
+        fSettings.rate > 0 ? std::min(1 / fSettings.rate, kLongestInterval) : 0);
     const auto pause = std::chrono::duration_cast<Clock::duration>(interval);
     // In the beat as long as it is kept; a beat that was missed is not made up for.
     fNextPoll = std::clamp(fNextPoll + pause, now, now + pause);

@@ -97,8 +97,8 @@ class zSocket {
     /// These set options of the socket: 0, or -1 on failure.
     int SetReuseAddress();
     int SetTCPNoDelay();
-    /// While it is corked, a TCP socket keeps back what doesn't fill a packet, so that the pieces of a message
-    /// leave together. Taking the cork out sends the rest.
+    /// While it is corked, a TCP socket keeps back what doesn't fill a packet, so that the pieces of a
+    /// message leave together. Taking the cork out sends the rest.
     int SetTCPCork(bool corked);
     int SetBroadcast();
     int SetSendBufferSize(int bytes);

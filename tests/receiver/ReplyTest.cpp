@@ -12,6 +12,28 @@ namespace {
 using namespace receiver;
 using testing::HasSubstr;
 
+TEST(ReplyTest, RefusesMoreThanAReplyCanNeed) {
+    RealReply whole("whole");
+    const size_t start = whole.body.find("\r\n--MimeBoundary_8923gr836bidfb3i\r\nContent-Type: image/jpg");
+    const std::string picture = whole.body.substr(start, whole.body.rfind("\r\n--") - start);
+    std::string pictures, places;
+    for (int i = 2; i < 40; ++i) {
+        pictures += picture;
+        places += "section_rect_" + std::to_string(i) + "=\"1488,50,1687,159\" ";
+    }
+    Reply reply;
+    StreamReply update;
+    std::string reason;
+    whole.Replace("section_rect_1", places + "section_rect_1").Replace(picture, picture + pictures);
+    ASSERT_TRUE(whole.Parse(reply, reason)) << reason;
+    EXPECT_FALSE(update.Read(reply, reason));
+    EXPECT_THAT(reason, HasSubstr("too many pictures"));
+
+    RealReply menus("menus");
+    menus.Replace("<record>", "<record>" + std::string(2'000'000, ' '));
+    EXPECT_FALSE(menus.Parse(reply, reason));
+}
+
 TEST(ReplyTest, ReadsPicturesSoundAndPointer) {
     Reply reply;
     StreamReply update;
@@ -92,7 +114,8 @@ TEST(ReplyTest, TakesMessagesApartThatAreCutOrHostile) {
     for (int i = 0; i < 200'000; ++i)
         many += "h" + std::to_string(i) + ": v\r\n";
     headers.Replace("Content-Type", many + "Content-Type");
-    headers.Parse(reply, reason); // In the time that a test has.
+    EXPECT_TRUE(headers.Parse(reply, reason)) << "those beyond a bound are dropped";
+    EXPECT_EQ(reply.Sections().size(), 2U);
 
     RealReply sound("idle-sound");
     sound.Replace("\r\n--MimeBoundary_8923gr836bidfb3i--", "xyz\r\n--MimeBoundary_8923gr836bidfb3i--");
@@ -116,8 +139,10 @@ TEST(ReplyTest, DrawsAPointerThatHangsOverTheEdge) {
         const bool isHit = corner.x < 8 && corner.y > -100;
         EXPECT_EQ(canvas == std::vector<uint8_t>(8 * 8 * 4, 77), !isHit) << corner.x;
     }
-    EXPECT_FALSE(RealReply("pointer").Replace("height=\"", "height=\"9").Parse(reply, reason) &&
-                 shape.Read(reply));
+    RealReply tall("pointer");
+    tall.Replace("height=\"", "height=\"9");
+    ASSERT_TRUE(tall.Parse(reply, reason)) << reason;
+    EXPECT_FALSE(shape.Read(reply)) << "there are fewer pixels than that";
 }
 
 TEST(ReplyTest, ListsSourcesAndFindsThem) {

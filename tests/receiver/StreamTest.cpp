@@ -151,7 +151,8 @@ TEST_F(StreamTest, AnInterruptionEndsAPollAtOnce) {
     limits.seconds = 600;
     Serve({{"", ScriptedServer::kKeepOpen}});
     std::jthread other([this] {
-        while (server->Connections() == 0)
+        const auto bound = Stream::Clock::now() + std::chrono::seconds(20);
+        while (server->Connections() == 0 && Stream::Clock::now() < bound)
             std::this_thread::yield();
         interruption.Raise();
     });

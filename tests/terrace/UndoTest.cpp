@@ -64,6 +64,14 @@ struct RandomTable : zTable {
     std::mt19937 random;
 };
 
+class TableHandler : public zUndoHandler {
+  public:
+    zUndo* GetUndo() override { return table.GetUndo(); }
+    int UndoToMark(int mark, bool atMark) override { return atMark ? 7 : table.Undo(mark); }
+    int RedoToMark(int mark, bool) override { return table.Redo(mark); }
+    zTable table{"handled", zTable::kKeepUndo, nullptr};
+};
+
 } // namespace
 
 TEST(Undo, TravelsThroughRandomHistories) {
@@ -114,4 +122,30 @@ TEST(Undo, ZeroMeansOneChange) {
     }
     EXPECT_FALSE(table.GetUndo()->IsRedoEmpty(false));
     EXPECT_TRUE(table.GetUndo()->IsRedoEmpty(true)) << "but for the mark";
+}
+
+TEST(UndoMaster, MarksAndUndoesAllTogether) {
+    TableHandler one, two;
+    zUndoMaster master;
+    EXPECT_EQ(master.UndoToMark(1), 0);
+    master.AddHandler(&one);
+    master.AddHandler(&two);
+    master.MakeUndoEmpty();
+    EXPECT_TRUE(master.IsUndoEmpty(false));
+    one.table.Root()->SetInt32(kA, 1);
+    master.Mark(4);
+    master.Mark(4);
+    EXPECT_EQ(one.GetUndo()->UndoStack().Count(), 2U);
+    EXPECT_EQ(two.GetUndo()->UndoStack().Count(), 1U);
+    EXPECT_EQ(master.UndoToMark(4), 7) << "all stand there";
+    one.table.Root()->SetInt32(kA, 2);
+    two.table.Root()->SetInt32(kA, 2);
+    EXPECT_EQ(master.UndoToMark(4), 0);
+    EXPECT_EQ(one.table.Root()->AsInt32(kA, 0), 1);
+    EXPECT_FALSE(two.table.Root()->ExistsID(kA));
+    EXPECT_FALSE(master.IsRedoEmpty(true));
+    EXPECT_EQ(master.RedoToMark(9), 0);
+    EXPECT_EQ(two.table.Root()->AsInt32(kA, 0), 2);
+    master.MakeRedoEmpty();
+    EXPECT_TRUE(master.IsRedoEmpty(false));
 }

@@ -97,13 +97,14 @@ TEST_F(ClientTest, TellsInOneLineWhatIsWrong) {
     } cases[] = {
         {{}, 2, "subcommand"},
         {{"info"}, 2, "HOST"},
-        {{"info", "no host"}, 2, "'no host' is no host"},
+        {{"info", "no host"}, 2, "'no host' is neither"},
         {{"source", Server()}, 2, "--screen or --window"},
         {{"source", Server(), "--window", "nowhere"}, 1, "the command menus lists them"},
         {{"source", Server(), "--screen", "7"}, 1, "no screen 7"},
         {{"snapshot", Server(), "-o", "picture.gif"}, 2, "neither .jpg nor .png"},
         {{"info", "127.0.0.1:1"}, 1, "no connection to 127.0.0.1:1"},
         {{"bench", "127.0.0.1:1"}, 1, "is Glasspane running there"},
+        {{"bench", Server(), "--duration", "nan"}, 2, "nan is no number from 0.1"},
     };
     for (const auto& [arguments, status, words] : cases) {
         SCOPED_TRACE(words);
