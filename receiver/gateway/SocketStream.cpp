@@ -4,9 +4,11 @@
 #include <cerrno>
 #include <cstring>
 
+#include <linux/sockios.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 
 namespace receiver {
@@ -18,7 +20,7 @@ using namespace std::chrono_literals;
 constexpr auto kIdleTime = 30s; ///< Between the requests of one connection.
 constexpr auto kRequestTime = 10s;
 constexpr size_t kRequestBytes = size_t{128} * 1024; ///< With its body, which is some JSON at most.
-constexpr auto kWriteTime = 10s;                     ///< Without a byte that goes.
+constexpr auto kWriteTime = 10s;                     ///< Without a byte that the peer takes.
 constexpr auto kWholeWriteTime = 60s;                ///< For each picture, say.
 /// What may wait to be sent: a picture or so, lest a slow viewer sees old ones.
 constexpr int kSendBuffer = 256 * 1024;
@@ -26,6 +28,13 @@ constexpr int kUnsentBytes = 64 * 1024;
 
 void set_option(int socket, int level, int name, int value) {
     setsockopt(socket, level, name, &value, sizeof value);
+}
+
+/// What the peer has not acknowledged yet.
+int queued_bytes(int socket) {
+    int count = 0;
+    ioctl(socket, SIOCOUTQ, &count);
+    return count;
 }
 
 /// Without a name look-up.
@@ -78,7 +87,19 @@ bool SocketStream::is_readable() const {
 }
 
 bool SocketStream::is_writable() const {
-    return wait(POLLOUT, Clock::now() + kWriteTime);
+    return wait_for_room(Clock::now() + kWholeWriteTime);
+}
+
+/// As long as the peer takes something now and then.
+bool SocketStream::wait_for_room(Clock::time_point end) const {
+    int before = queued_bytes(fSocket);
+    while (!wait(POLLOUT, std::min(Clock::now() + kWriteTime, end))) {
+        const int left = queued_bytes(fSocket);
+        if (left >= before || Clock::now() >= end)
+            return false;
+        before = left;
+    }
+    return true;
 }
 
 /// What has come, into the buffer. Once that fails, no other request is taken.
@@ -103,14 +124,12 @@ ssize_t SocketStream::read(char* bytes, size_t size) {
 }
 
 ssize_t SocketStream::write(const char* bytes, size_t size) {
-    const Clock::time_point wholeEnd = Clock::now() + kWholeWriteTime;
-    Clock::time_point end = Clock::now() + kWriteTime;
+    const Clock::time_point end = Clock::now() + kWholeWriteTime;
     for (size_t done = 0; done < size;) {
         const ssize_t sent = send(fSocket, bytes + done, size - done, MSG_DONTWAIT | MSG_NOSIGNAL);
-        if (sent >= 0) {
+        if (sent >= 0)
             done += static_cast<size_t>(sent);
-            end = std::min(Clock::now() + kWriteTime, wholeEnd);
-        } else if (errno == EAGAIN ? !wait(POLLOUT, end) : errno != EINTR)
+        else if (errno == EAGAIN ? !wait_for_room(end) : errno != EINTR)
             return -1;
     }
     return static_cast<ssize_t>(size);

@@ -33,6 +33,7 @@ class SocketStream : public httplib::Stream {
     using Clock = std::chrono::steady_clock;
 
     bool wait(short events, Clock::time_point end) const;
+    bool wait_for_room(Clock::time_point end) const;
     bool receive();
 
     const int fSocket;
