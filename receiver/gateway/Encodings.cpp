@@ -2,12 +2,12 @@
 
 namespace receiver {
 
-View::Need Encodings::NeedFor(Kind kind) {
+View::Need Encodings::NeedFor(Kind kind) const {
     switch (kind) {
     case Kind::kEitherWayUp:
         return View::Need::kPicture;
     case Kind::kUpright:
-        return View::Need::kPixels;
+        return fCanTurn ? View::Need::kPicture : View::Need::kPixels;
     default:
         return View::Need::kPixelsWithPointer;
     }
@@ -24,7 +24,10 @@ Encodings::Encoded Encodings::Get(Kind kind, const View& view) {
     if (slot.last.jpeg && slot.last.number >= number)
         return slot.last;
     std::vector<uint8_t> jpeg;
-    if (withPointer ? encode_with_pointer(view, slot, jpeg) : encode_upright(view, slot, jpeg))
+    const bool isTurned = !withPointer && turn(*view.picture, slot, jpeg);
+    if (!isTurned && view.picture->pixels.empty())
+        return {.lacksPixels = true};
+    if (isTurned || (withPointer ? encode_with_pointer(view, slot, jpeg) : encode(*view.picture, slot, jpeg)))
         slot.last = {number, std::make_shared<std::vector<uint8_t>>(std::move(jpeg)), false};
     else
         slot.last = {};
@@ -40,10 +43,15 @@ uint64_t Encodings::Count() const {
     return count;
 }
 
-bool Encodings::encode_upright(const View& view, Slot& slot, std::vector<uint8_t>& jpeg) const {
-    const View::Picture& picture = *view.picture;
-    if (picture.jpeg && slot.encoder.Flip(*picture.jpeg, jpeg))
-        return true;
+bool Encodings::turn(const View::Picture& picture, Slot& slot, std::vector<uint8_t>& jpeg) {
+    if (!picture.jpeg)
+        return false;
+    const bool isTurned = slot.encoder.Flip(*picture.jpeg, jpeg);
+    fCanTurn = isTurned;
+    return isTurned;
+}
+
+bool Encodings::encode(const View::Picture& picture, Slot& slot, std::vector<uint8_t>& jpeg) const {
     ++slot.count;
     return slot.encoder.Encode(picture.pixels.data(), picture.width, picture.height, picture.width * 4,
                                fQuality, jpeg);

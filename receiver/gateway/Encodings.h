@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <mutex>
 
 #include "Jpeg.h"
@@ -16,18 +17,20 @@ class Encodings {
         kUpright,     ///< Without the pointer.
         kWithPointer, ///< Upright, too.
     };
-    static View::Need NeedFor(Kind kind);
+    /// What it takes now: pixels for an upright picture only where the server's can't be turned without loss.
+    View::Need NeedFor(Kind kind) const;
 
     struct Encoded {
         uint64_t number = 0;
-        Bytes jpeg; ///< Null if it couldn't be encoded, for want of memory.
+        Bytes jpeg = nullptr; ///< Null if it couldn't be encoded, for want of memory.
         bool isUpsideDown = false;
+        bool lacksPixels = false; ///< It takes more than was needed so far: ask for that and try again.
     };
 
     /// \p quality, 1 to 100, is that of the pictures that have to be encoded.
     explicit Encodings(int quality) : fQuality(quality) {}
 
-    /// The view, which has what the kind needs, or a newer one that has been encoded meanwhile.
+    /// The view, which has what the kind needed, or a newer one that has been encoded meanwhile.
     Encoded Get(Kind kind, const View& view);
 
     /// Pictures that were encoded so far, for tests: those that were just passed on don't count.
@@ -43,10 +46,12 @@ class Encodings {
         uint64_t count = 0;
     };
 
-    bool encode_upright(const View& view, Slot& slot, std::vector<uint8_t>& jpeg) const;
+    bool turn(const View::Picture& picture, Slot& slot, std::vector<uint8_t>& jpeg);
+    bool encode(const View::Picture& picture, Slot& slot, std::vector<uint8_t>& jpeg) const;
     bool encode_with_pointer(const View& view, Slot& slot, std::vector<uint8_t>& jpeg) const;
 
     const int fQuality;
+    std::atomic<bool> fCanTurn = true; ///< The last whole frame that came upside down.
     mutable Slot fUpright;
     mutable Slot fWithPointer;
 };

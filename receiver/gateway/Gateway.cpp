@@ -160,13 +160,24 @@ void Gateway::send_picture(const Request& request, Response& response) {
     reply(response, encoded.jpeg);
 }
 
+/// What the source looks like now, or the newest view if the server is too slow for that. Null while there is
+/// none, or no server.
+std::shared_ptr<const View> Gateway::present_view(Encodings::Kind kind) {
+    const bool isWorking = fRelay->GetReport().status.failure.empty();
+    const std::chrono::duration<double> call(isWorking ? fSettings.stream.limits.seconds : 0);
+    const auto bound = std::chrono::duration_cast<Relay::Clock::duration>(call) + kPictureWait;
+    if (!fRelay->WaitForPresent(bound) && !fRelay->GetReport().status.failure.empty())
+        return nullptr;
+    return fRelay->WaitForView(fEncodings.NeedFor(kind), 0, bound);
+}
+
 void Gateway::send_snapshot(const Request& request, Response& response) {
     const Encodings::Kind kind = kind_of(request);
-    const auto view = fRelay->WaitForPresent(kPictureWait)
-                          ? fRelay->WaitForView(Encodings::NeedFor(kind), 0, kPictureWait)
-                          : nullptr;
-    if (view)
-        return reply(response, fEncodings.Get(kind, *view).jpeg);
+    while (const auto view = present_view(kind)) {
+        const Encodings::Encoded encoded = fEncodings.Get(kind, *view);
+        if (!encoded.lacksPixels)
+            return reply(response, encoded.jpeg);
+    }
     const RelayStatus status = fRelay->GetReport().status;
     reply(response, 503,
           !status.failure.empty() ? status.failure + "\n"

@@ -53,6 +53,7 @@ class Gateway {
     void add_replies();
     bool refuse(const Request& request, Response& response) const;
     void send_picture(const Request& request, Response& response);
+    std::shared_ptr<const View> present_view(Encodings::Kind kind);
     void send_snapshot(const Request& request, Response& response);
     void send_stream(const Request& request, Response& response);
     void send_sound(Response& response);

@@ -67,6 +67,9 @@ HttpServer::HttpServer() {
     set_payload_max_length(kMaxBody);
     set_keep_alive_timeout(30); // As SocketStream does it; here it is what replies tell.
     set_keep_alive_max_count(100000);
+    set_post_routing_handler([](const httplib::Request&, httplib::Response& response) {
+        response.headers.erase("Accept-Ranges"); // Which the library announces.
+    });
 }
 
 HttpServer::~HttpServer() {

@@ -51,9 +51,13 @@ bool PictureStream::operator()(size_t offset, httplib::DataSink& sink) {
     // What counts as the newest is decided when there is room for it.
     if (!sink.is_writable())
         return false;
-    if (const auto view = fRelay.WaitForView(Encodings::NeedFor(fKind), fNumber, kLongestSilence)) {
-        fNumber = view->NumberFor(Encodings::NeedFor(fKind));
-        fLast = fEncodings.Get(fKind, *view).jpeg;
+    const View::Need need = fEncodings.NeedFor(fKind);
+    if (const auto view = fRelay.WaitForView(need, fNumber, kLongestSilence)) {
+        const Encodings::Encoded encoded = fEncodings.Get(fKind, *view);
+        if (encoded.lacksPixels)
+            return !fRelay.IsStopped();
+        fNumber = view->NumberFor(need);
+        fLast = encoded.jpeg;
     }
     if (fRelay.IsStopped())
         return false;

@@ -24,6 +24,7 @@ Relay::Relay(const Stream::Settings& settings, const Interruption& interruption)
     : fInterruption(interruption),
       fStream(settings, &interruption),
       fLastDemand(Clock::now()),
+      fLastSoundDemand(fLastDemand - kAttention),
       fThread([this] { run(); }) {}
 
 void Relay::Stop() {
@@ -46,11 +47,17 @@ bool Relay::IsStopped() const {
 
 void Relay::run() {
     while (!IsStopped() && !fInterruption.IsRaised()) {
+        fStream.SetSound(is_sound_wanted());
         const Stream::Event event = fStream.Poll();
         fLastPoll = Clock::now();
         note(event);
         rest();
     }
+}
+
+bool Relay::is_sound_wanted() const {
+    std::lock_guard lock(fMutex);
+    return fStream.Chosen().withSound && Clock::now() - fLastSoundDemand < kAttention;
 }
 
 /// Until the next poll.
@@ -132,24 +139,29 @@ std::shared_ptr<const View::Picture> Relay::copy_picture(bool isNew, bool isWant
 }
 
 View::Pointer Relay::pointer() {
-    const auto shape = fShowsPointer ? fStream.Pointer() : nullptr;
+    const auto& shape = fStream.Pointer();
     if (!shape)
         return {};
     const StreamReply& reply = fStream.Last();
     const uint64_t id = uint64_t{reply.instance} << 32 | reply.pointer->shape;
+    keep(id, shape);
+    return {fStream.PointerPlace(), id, shape};
+}
+
+/// For the viewers that ask for it by its id.
+void Relay::keep(uint64_t id, const std::shared_ptr<const PointerShape>& shape) {
     std::lock_guard lock(fMutex);
-    if (fShapes.size() >= PointerShapes::kMaxCount && !fShapes.contains(id))
+    if (fShapes.size() >= PointerShapes::kMaxCount || fShapeBytes > PointerShapes::kMaxBytes) {
         fShapes.clear();
-    auto& copy = fShapes[id];
-    if (!copy)
-        copy = std::make_shared<PointerShape>(*shape);
-    return {fStream.PointerPlace(), id, copy};
+        fShapeBytes = 0;
+    }
+    if (fShapes.emplace(id, shape).second)
+        fShapeBytes += shape->pixels.size();
 }
 
 /// Tells the viewers what a poll has brought.
 void Relay::note(Stream::Event event) {
     const bool isUseful = event == Stream::Event::kPicture || event == Stream::Event::kIdle;
-    fShowsPointer = isUseful && fStream.Last().pointer;
     publish(event == Stream::Event::kPicture);
     {
         std::lock_guard lock(fMutex);
@@ -258,6 +270,7 @@ uint64_t Relay::SoundEnd() const {
 
 bool Relay::WaitForSound(uint64_t& place, std::vector<uint8_t>& out, Clock::duration bound) {
     std::unique_lock lock(fMutex);
+    fLastSoundDemand = Clock::now();
     note_demand();
     fNews.wait_for(lock, bound, [&] { return fIsStopped || fSound.End() != place; });
     fSound.Read(place, out);

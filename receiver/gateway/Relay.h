@@ -42,7 +42,8 @@ struct RelayStatus {
 };
 
 /// Follows one source for any number of viewers. Its thread owns the stream; the viewers' threads wait here
-/// for what is new, and take the newest: nothing queues up for them. Without viewers it polls seldom.
+/// for what is new, and take the newest: nothing queues up for them. Without viewers it polls seldom, and
+/// without listeners it leaves the sound to other clients of the server.
 class Relay {
   public:
     using Clock = std::chrono::steady_clock;
@@ -87,12 +88,14 @@ class Relay {
 
   private:
     void run();
+    bool is_sound_wanted() const;
     void rest();
     Clock::time_point next_poll() const;
     bool wants_more() const;
     void publish(bool isNewPicture);
     std::shared_ptr<const View::Picture> copy_picture(bool isNew, bool isWanted, bool arePixelsWanted) const;
     View::Pointer pointer();
+    void keep(uint64_t id, const std::shared_ptr<const PointerShape>& shape);
     void note(Stream::Event event);
     void note_status(Stream::Event event);
     void take_figures();
@@ -101,16 +104,17 @@ class Relay {
     const Interruption& fInterruption;
     Stream fStream; ///< The thread's own, as the next few.
     Clock::time_point fLastPoll;
-    bool fShowsPointer = false;
 
     mutable std::mutex fMutex;       ///< For all that follows.
     std::condition_variable fNews;   ///< For viewers.
     std::condition_variable fDemand; ///< For the thread.
     bool fIsStopped = false;
     Clock::time_point fLastDemand;
+    Clock::time_point fLastSoundDemand;
     std::array<int, View::kNeeds> fWaiting{}; ///< Viewers, for each need.
     std::shared_ptr<const View> fView = std::make_shared<View>();
     std::map<uint64_t, std::shared_ptr<const PointerShape>> fShapes;
+    size_t fShapeBytes = 0;
     RelayStatus fStatus;
     uint64_t fReportNumber = 1;
     uint64_t fPolls = 0;

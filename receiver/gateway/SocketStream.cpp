@@ -18,7 +18,8 @@ using namespace std::chrono_literals;
 constexpr auto kIdleTime = 30s; ///< Between the requests of one connection.
 constexpr auto kRequestTime = 10s;
 constexpr size_t kRequestBytes = size_t{128} * 1024; ///< With its body, which is some JSON at most.
-constexpr auto kWriteTime = 10s;                     ///< For each picture, say.
+constexpr auto kWriteTime = 10s;                     ///< Without a byte that goes.
+constexpr auto kWholeWriteTime = 60s;                ///< For each picture, say.
 /// What may wait to be sent: a picture or so, lest a slow viewer sees old ones.
 constexpr int kSendBuffer = 256 * 1024;
 constexpr int kUnsentBytes = 64 * 1024;
@@ -102,12 +103,14 @@ ssize_t SocketStream::read(char* bytes, size_t size) {
 }
 
 ssize_t SocketStream::write(const char* bytes, size_t size) {
-    const Clock::time_point end = Clock::now() + kWriteTime;
+    const Clock::time_point wholeEnd = Clock::now() + kWholeWriteTime;
+    Clock::time_point end = Clock::now() + kWriteTime;
     for (size_t done = 0; done < size;) {
         const ssize_t sent = send(fSocket, bytes + done, size - done, MSG_DONTWAIT | MSG_NOSIGNAL);
-        if (sent >= 0)
+        if (sent >= 0) {
             done += static_cast<size_t>(sent);
-        else if (errno == EAGAIN ? !wait(POLLOUT, end) : errno != EINTR)
+            end = std::min(Clock::now() + kWriteTime, wholeEnd);
+        } else if (errno == EAGAIN ? !wait(POLLOUT, end) : errno != EINTR)
             return -1;
     }
     return static_cast<ssize_t>(size);

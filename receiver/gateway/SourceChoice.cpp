@@ -4,6 +4,7 @@
 
 #include "Connection.h"
 #include "SourceMenu.h"
+#include "SourceText.h"
 
 namespace receiver {
 
@@ -21,18 +22,6 @@ SourceChoice::Answer answer(Status status, const ordered_json& json) {
 
 SourceChoice::Answer failure(Status status, const std::string& reason) {
     return answer(status, {{"error", reason}});
-}
-
-ordered_json json_of(const SourceMenu::Item& item) {
-    ordered_json json;
-    if (item.kind == SourceMenu::Item::Kind::kWindow)
-        json = {{"window", item.title}, {"application", item.application}};
-    else
-        json = {{"screen", item.screen},
-                {"region", item.kind == SourceMenu::Item::Kind::kRegion},
-                {"title", item.title}};
-    json["checked"] = item.isChecked;
-    return json;
 }
 
 /// The item that is asked for; null with a reason.
@@ -68,7 +57,7 @@ SourceChoice::Answer SourceChoice::List() {
         return failure(kBadGateway, reason);
     ordered_json list = ordered_json::array();
     for (const SourceMenu::Item& item : menu.Items())
-        list.push_back(json_of(item));
+        list.push_back(SourceJSON(item));
     return answer(kFine, {{"sources", list}});
 }
 
@@ -89,7 +78,7 @@ SourceChoice::Answer SourceChoice::Choose(const std::string& json) {
         return failure(kNotFound, reason);
     if (!menu.Choose(connection, *item, reason))
         return failure(kBadGateway, reason);
-    return answer(kFine, {{"chosen", json_of(*item)}});
+    return answer(kFine, {{"chosen", SourceJSON(*item)}});
 }
 
 } // namespace receiver

@@ -18,8 +18,9 @@ double rounded(double number, int digits) {
 /// In milliseconds.
 ordered_json json_of(const Histogram& durations) {
     return {{"median", rounded(durations.Percentile(0.5), 2)},
-            {"p95", rounded(durations.Percentile(0.95), 2)},
-            {"largest", rounded(durations.Largest(), 2)}};
+            {"p90", rounded(durations.Percentile(0.9), 2)},
+            {"p99", rounded(durations.Percentile(0.99), 2)},
+            {"max", rounded(durations.Largest(), 2)}};
 }
 
 ordered_json json_of(const View::Pointer& pointer) {

@@ -8,6 +8,7 @@
 #include "Client.h"
 #include "Connection.h"
 #include "SourceMenu.h"
+#include "SourceText.h"
 #include "zString.h"
 #include "zXMLRPC.h"
 
@@ -105,33 +106,13 @@ int info(const Client& client, const Question& options) {
 
 // ---- menus, source ----
 
-const char* kind_of(const SourceMenu::Item& item) {
-    switch (item.kind) {
-    case SourceMenu::Item::Kind::kScreen:
-        return "screen";
-    case SourceMenu::Item::Kind::kRegion:
-        return "region";
-    default:
-        return "window";
-    }
-}
-
-ordered_json json_of(const SourceMenu::Item& item) {
-    ordered_json json{{"kind", kind_of(item)}, {"title", item.title}, {"checked", item.isChecked}};
-    if (item.kind == SourceMenu::Item::Kind::kWindow)
-        json["application"] = item.application;
-    else
-        json["screen"] = item.screen;
-    return json;
-}
-
 void print(const SourceMenu::Item& item) {
     const char* mark = item.isChecked ? "*" : " ";
     if (item.kind == SourceMenu::Item::Kind::kWindow)
         printf("%s window   %s (%s)\n", mark, Client::Plain(item.title).c_str(),
                Client::Plain(item.application).c_str());
     else
-        printf("%s %s %d %s\n", mark, kind_of(item), item.screen, Client::Plain(item.title).c_str());
+        printf("%s %s %d %s\n", mark, KindText(item.kind), item.screen, Client::Plain(item.title).c_str());
 }
 
 int menus(const Client& client, const Question& options) {
@@ -143,7 +124,7 @@ int menus(const Client& client, const Question& options) {
     if (options.json) {
         ordered_json list = ordered_json::array();
         for (const auto& item : menu.Items())
-            list.push_back(json_of(item));
+            list.push_back(SourceJSON(item));
         return Client::Print(list);
     }
     for (const auto& item : menu.Items())

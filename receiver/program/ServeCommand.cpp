@@ -10,8 +10,10 @@ namespace receiver {
 
 namespace {
 
-/// Like a server's address, but with a default of its own, and port 0.
+/// Like a server's address, but with a default of its own, and port 0. A number alone is a port without one.
 std::optional<Address> listen_address(const std::string& text) {
+    if (text.find_first_not_of("0123456789") == text.npos)
+        return std::nullopt;
     static const std::string kAnyPort = ":0";
     if (const auto bare = Address::Parse(text + ":" + std::to_string(Gateway::Settings::kDefaultPort)))
         return bare;
@@ -41,7 +43,9 @@ void add_options(CLI::App& command, Gateway::Settings& settings) {
             [&settings](const std::string& text) {
                 const auto address = listen_address(text);
                 if (!address)
-                    throw CLI::ValidationError("--listen", "'" + text + "' is no address or address:port");
+                    throw CLI::ValidationError("--listen", "'" + text +
+                                                               "' is no address or address:port, such as "
+                                                               "127.0.0.1:8141");
                 settings.listen = *address;
             },
             "Where browsers find it; port 0 takes a free one. Default: " + settings.listen.Text())

@@ -13,7 +13,7 @@ const visible = () => new Promise((resolve) => {
 });
 
 /** What scripts and tests may look at. */
-const glasspane = { state: null, picturesDrawn: 0, picturesPerSecond: 0, delay: { median: 0, p95: 0 } };
+const glasspane = { state: null, picturesDrawn: 0, picturesPerSecond: 0, delay: { median: 0, p90: 0 } };
 window.glasspane = glasspane;
 
 // ---- The picture: asked for one by one, so that this page sets the pace and nothing queues up. ----
@@ -106,7 +106,7 @@ class Pictures {
     this.countedAt = time;
     const delays = this.delays.sort((a, b) => a - b);
     const part = (share) => delays.length ? delays[Math.floor((delays.length - 1) * share)] : 0;
-    glasspane.delay = { median: part(0.5), p95: part(0.95) };
+    glasspane.delay = { median: part(0.5), p90: part(0.9) };
     this.delays = [];
     figures.show();
   }
@@ -226,10 +226,10 @@ class FiguresPanel {
     const set = (name, text) => { byId(`figure-${name}`).textContent = text; };
     set("size", `${state.width} × ${state.height}`);
     set("shown", `${glasspane.picturesPerSecond.toFixed(0)} pictures/s`);
-    set("delay", `${ms(glasspane.delay.median)}, 95 % within ${ms(glasspane.delay.p95)}`);
+    set("delay", `${ms(glasspane.delay.median)}, 90 % within ${ms(glasspane.delay.p90)}`);
     set("rate", `${state.pictures_per_second.toFixed(0)} pictures/s, ` +
                 `${(state.bytes_per_second / 1e6).toFixed(2)} MB/s`);
-    set("call", `${ms(state.delay_ms.median)}, 95 % within ${ms(state.delay_ms.p95)}`);
+    set("call", `${ms(state.delay_ms.median)}, 90 % within ${ms(state.delay_ms.p90)}`);
     set("failures", String(state.failures));
     set("drift", `${state.clock_drift_ppm} ppm, sound ${state.sound_drift_ppm} ppm`);
   }
@@ -342,12 +342,12 @@ class Sources {
   }
 
   item(source) {
-    const isWindow = "window" in source;
+    const isWindow = source.kind === "window";
     const button = document.createElement("button");
     button.type = "button";
     button.setAttribute("aria-pressed", String(source.checked));
-    button.append(isWindow ? source.window || "Window without a title" : source.title || `Screen ${source.screen + 1}`);
-    const more = isWindow ? source.application : source.region ? "region" : "whole screen";
+    button.append(source.title || (isWindow ? "Window without a title" : `Screen ${source.screen + 1}`));
+    const more = isWindow ? source.application : source.kind === "region" ? "region" : "whole screen";
     if (more) {
       const small = document.createElement("small");
       small.textContent = ` – ${more}`;
@@ -360,7 +360,8 @@ class Sources {
   }
 
   async choose(source) {
-    const wish = "window" in source ? { window: source.window } : { screen: source.screen, region: source.region };
+    const wish = source.kind === "window" ? { window: source.title }
+      : { screen: source.screen, region: source.kind === "region" };
     byId("sources-note").textContent = "Choosing …";
     try {
       const response = await fetch("source", {

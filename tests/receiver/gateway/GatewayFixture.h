@@ -26,7 +26,7 @@ class GatewayTest : public testing::Test {
         receiver::Gateway::Settings settings;
         settings.stream.server = {"127.0.0.1", static_cast<uint16_t>(serverPort)};
         settings.stream.withSound = true;
-        settings.stream.limits.seconds = 1;
+        settings.stream.limits.seconds = callSeconds;
         settings.listen.port = 0;
         settings.allowedHosts = std::move(allowedHosts);
         gateway = std::make_unique<receiver::Gateway>(settings, interruption);
@@ -75,6 +75,7 @@ class GatewayTest : public testing::Test {
         return false;
     }
 
+    double callSeconds = 1; ///< That a call of the server may take.
     host::BuiltinHost host;
     const host::HostScope scope{host};
     receiver::Interruption interruption;

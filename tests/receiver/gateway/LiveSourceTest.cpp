@@ -10,6 +10,7 @@
 #include "HttpServer.h"
 #include "Picture.h"
 #include "SoundRing.h"
+#include "Stream.h"
 
 namespace {
 
@@ -91,9 +92,34 @@ TEST_F(LiveSourceTest, StreamsMovingPicturesEventsAndSound) {
     EXPECT_NEAR(rises, 1000, 300);
 }
 
+TEST_F(LiveSourceTest, LeavesTheSoundToOthersUntilSomebodyListens) {
+    TestClient viewer(Port());
+    Ask(viewer, "/stream");
+    LiveReader stream(viewer);
+    stream.TakeUntil("\r\n\r\n");
+    ASSERT_NE(stream.TakePart(), "");
+    Stream other({.server = {"127.0.0.1", daemon.Port()}, .withSound = true}, nullptr);
+    int64_t begin = 0, end = 0; // Of the server's sound clock.
+    size_t frames = 0;
+    ASSERT_TRUE(Eventually([&] {
+        other.Poll();
+        if (const auto* sound = other.Sound()) {
+            end = sound->endTime;
+            frames += begin == 0 ? 0 : sound->FrameCount();
+            begin = begin == 0 ? end : begin;
+        }
+        return end - begin > 1'000'000;
+    }));
+    EXPECT_NEAR(static_cast<double>(frames), 0.0441 * static_cast<double>(end - begin), 4410);
+}
+
 TEST_F(LiveSourceTest, ThePageIsThereAndForeignNamesAreRefused) {
     EXPECT_THAT(Get("/").body, HasSubstr("<canvas"));
     EXPECT_THAT(Get("/page.js").head, HasSubstr("text/javascript"));
+    TestClient asker(Port());
+    asker.Send("HEAD /stream HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    EXPECT_THAT(LiveReader(asker).TakeUntil("\r\n\r\n"),
+                testing::AllOf(StartsWith("HTTP/1.1 200"), testing::Not(HasSubstr("Ranges"))));
     EXPECT_EQ(Status(Get("/nothing")), 404);
     for (const char* header :
          {"Host: elsewhere.example\r\n", "Host: localhost\r\nOrigin: http://elsewhere.example\r\n", ""}) {
@@ -146,7 +172,7 @@ TEST_F(LiveSourceTest, TheCommandServesUntilItIsInterrupted) {
     Program second({GLASSPANE_CLIENT, "serve", server, "--listen", "127.0.0.1:" + std::to_string(port)});
     EXPECT_THAT(second.ReadLine(), HasSubstr("port " + std::to_string(port) + " is taken"));
     EXPECT_EQ(second.WaitForExit(), 1);
-    for (const char* nonsense : {"--listen=:::", "--rate=0", "--quality=best"})
+    for (const char* nonsense : {"--listen=:::", "--listen=8141", "--rate=0", "--quality=best"})
         EXPECT_EQ(Program({GLASSPANE_CLIENT, "serve", server, nonsense}).WaitForExit(), 2) << nonsense;
 
     Ask(client, "/stream"); // An open connection doesn't hold it.

@@ -54,7 +54,7 @@ class StillPictureTest : public GatewayTest {
                 return ScriptedServer::Answer{menus.Bytes()};
             if (request.find("SetSourceFromMenuItem") != request.npos)
                 chosen = request;
-            return ScriptedServer::Answer{isSilent ? "" : whole.Bytes()};
+            return ScriptedServer::Answer{isSilent ? "" : whole.Bytes(), ScriptedServer::kKeepOpen, pieces};
         });
         Start(server->Port());
         ASSERT_TRUE(
@@ -65,6 +65,7 @@ class StillPictureTest : public GatewayTest {
     RealReply menus{"menus"};
     std::string chosen;
     bool isSilent = false;
+    int pieces = 1; ///< Of each reply, slowly sent.
     std::string jpeg;
     std::unique_ptr<ScriptedServer> server;
 };
@@ -86,6 +87,11 @@ TEST_F(StillPictureTest, WholeFramesGoOnWithoutAnEncoding) {
 
 TEST_F(StillPictureTest, PicturesThatCannotBeTurnedAreEncodedUpright) {
     Serve(40, false); // Two and a half rows of blocks.
+    TestClient client(Port());
+    Ask(client, "/stream?pointer=0");
+    LiveReader stream(client);
+    stream.TakeUntil("\r\n\r\n");
+    EXPECT_TRUE(is_upright(stream.TakePart()));
     EXPECT_TRUE(is_upright(Get("/snapshot.jpg").body));
     EXPECT_GT(gateway->EncodedPictures(), 0U);
 }
@@ -129,6 +135,13 @@ TEST_F(StillPictureTest, AServerThatStallsIsToldOfInOneLineAndComesBack) {
     EXPECT_EQ(Status(Get("/snapshot.jpg")), 200);
 }
 
+TEST_F(StillPictureTest, ASlowServerIsWaitedForLongerThanAnyPictureTakes) {
+    callSeconds = 30;
+    pieces = 6; // Half a second for each reply.
+    Serve(32, false);
+    EXPECT_TRUE(is_upright(Get("/snapshot.jpg").body));
+}
+
 TEST_F(StillPictureTest, SourcesAreListedAndChosen) {
     menus.Replace("WINDOW 1", "A &quot;B&quot; \\ &lt;/script&gt;&#10;C");
     Serve(32, false);
@@ -136,7 +149,8 @@ TEST_F(StillPictureTest, SourcesAreListedAndChosen) {
     ASSERT_EQ(list.size(), 6U);
     EXPECT_EQ(list[2]["screen"], 0);
     const std::string title = "A \"B\" \\ </script>\nC";
-    EXPECT_EQ(list[4]["window"], title);
+    EXPECT_EQ(list[4]["kind"], "window");
+    EXPECT_EQ(list[4]["title"], title);
 
     const std::string json = "Content-Type: application/json\r\n";
     EXPECT_EQ(Status(Post(nlohmann::json{{"window", title}}.dump(), json)), 200);
