@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <unistd.h>
 
@@ -112,33 +111,13 @@ int run(const Client& client, Recorder::Settings settings, bool json) {
     return end == Recorder::End::kNoPicture ? Client::Fail(recorder.Failure()) : Client::kSuccess;
 }
 
-/// Unlike the library's own check, it takes no "nan".
-CLI::Validator within(double least, double most) {
-    const auto check = [least, most](const std::string& text) {
-        char* end = nullptr;
-        const double value = std::strtod(text.c_str(), &end);
-        if (*end == '\0' && value >= least && value <= most)
-            return std::string();
-        char bounds[80];
-        snprintf(bounds, sizeof bounds, " is no number from %g to %g", least, most);
-        return text + bounds;
-    };
-    return CLI::Validator(check, "");
-}
-
-/// An option without a value that makes something false.
-CLI::Option* add_switch_off(CLI::App& command, const char* name, bool& target, const char* description) {
-    return command.add_flag_callback(
-        name, [&target] { target = false; }, description);
-}
-
 /// What both commands can be told.
 void add_common(CLI::App& command, Recorder::Settings& settings) {
     Client::AddServer(command, settings.stream.server);
     command
         .add_option("--rate", settings.format.rate,
                     "Polls a second: the most pictures that there can be. Default: 60")
-        ->check(within(1, 240))
+        ->check(Client::Within(1, 240))
         ->option_text("N");
     command
         .add_option("--quality", settings.stream.quality,
@@ -146,7 +125,7 @@ void add_common(CLI::App& command, Recorder::Settings& settings) {
         ->check(CLI::IsMember({"low", "normal", "high"}))
         ->option_text("low|normal|high");
     command.add_option("--duration", settings.seconds, "Else until Ctrl-C")
-        ->check(within(0.1, 1e7))
+        ->check(Client::Within(0.1, 1e7))
         ->option_text("SECONDS");
     add_switch_off(command, "--no-pointer", settings.hasPointer, "Leave the pointer out");
 }
