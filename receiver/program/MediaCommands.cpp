@@ -111,6 +111,12 @@ int run(const Client& client, Recorder::Settings settings, bool json) {
     return end == Recorder::End::kNoPicture ? Client::Fail(recorder.Failure()) : Client::kSuccess;
 }
 
+/// An option without a value that makes something false.
+CLI::Option* add_switch_off(CLI::App& command, const char* name, bool& target, const char* description) {
+    return command.add_flag_callback(
+        name, [&target] { target = false; }, description);
+}
+
 /// What both commands can be told.
 void add_common(CLI::App& command, Recorder::Settings& settings) {
     Client::AddServer(command, settings.stream.server);
