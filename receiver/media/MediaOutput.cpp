@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <fcntl.h>
+#include <limits>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,7 +20,7 @@ namespace {
 constexpr int kBufferBytes = 256 * 1024;
 constexpr int kPipeBytes = 1024 * 1024; ///< Wished for: a large picture takes hundreds of small pieces else.
 constexpr int kReaderLookMs = 100;
-constexpr int kLastChanceMs = 500; ///< For a reader who doesn't read, once it is time to stop.
+constexpr std::chrono::seconds kLastChance{1}; ///< For a reader who is slow, once it is time to stop.
 
 #if LIBAVFORMAT_VERSION_MAJOR < 61
 using Bytes = uint8_t*;
@@ -34,10 +36,10 @@ MediaOutput::~MediaOutput() {
 
 bool MediaOutput::Open(const std::string& path, bool overwrite, std::string& reason) {
     const bool isStandardOutput = path == "-";
-    fFile = isStandardOutput
-                ? fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0)
-                : open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | (overwrite ? O_TRUNC : O_EXCL), 0666);
-    if (fFile < 0) {
+    fLargestWrite = std::numeric_limits<int>::max();
+    if (!isStandardOutput)
+        fFile = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | (overwrite ? O_TRUNC : O_EXCL), 0666);
+    if (isStandardOutput ? !open_standard_output() : fFile < 0) {
         reason = errno == EEXIST ? path + " exists; choose another name, or --overwrite"
                                  : path + ": " + std::strerror(errno);
         return false;
@@ -62,6 +64,21 @@ bool MediaOutput::Open(const std::string& path, bool overwrite, std::string& rea
     return fIO;
 }
 
+/// A pipe is opened anew, so that writing to it needn't wait: the flag of the one that was handed over is
+/// shared with other programs.
+bool MediaOutput::open_standard_output() {
+    struct stat status = {};
+    fstat(STDOUT_FILENO, &status);
+    if (S_ISFIFO(status.st_mode))
+        fFile = open("/proc/self/fd/1", O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fFile >= 0)
+        return true;
+    if (!S_ISREG(status.st_mode))
+        fLargestWrite = PIPE_BUF;
+    fFile = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+    return fFile >= 0;
+}
+
 void MediaOutput::Salvage() {
     fSalvages = true;
     fIO->error = 0;
@@ -84,7 +101,8 @@ int MediaOutput::write(const uint8_t* data, int size) {
     for (int done = 0; done < size;) {
         if (!wait_for_reader())
             return AVERROR(fError);
-        const ssize_t count = ::write(fFile, data + done, static_cast<size_t>(size - done));
+        const ssize_t count =
+            ::write(fFile, data + done, static_cast<size_t>(std::min(size - done, fLargestWrite)));
         if (count < 0 && (errno == EINTR || errno == EAGAIN))
             continue;
         if (count < 0) {
@@ -101,12 +119,15 @@ int MediaOutput::write(const uint8_t* data, int size) {
 /// False when there is none any more, or none who reads though it is time to stop.
 bool MediaOutput::wait_for_reader() {
     while (true) {
-        const bool isLastChance = fInterruption && fInterruption->IsRaised();
+        const auto now = std::chrono::steady_clock::now();
+        if (!fLastChance && fInterruption && fInterruption->IsRaised())
+            fLastChance = now + kLastChance;
         pollfd writable{fFile, POLLOUT, 0};
-        const int count = poll(&writable, 1, isLastChance ? kLastChanceMs : kReaderLookMs);
+        const bool isOver = fLastChance && now >= *fLastChance;
+        const int count = poll(&writable, 1, isOver ? 0 : kReaderLookMs);
         if (count > 0)
             return true; // An error shows when it is written to.
-        if (count == 0 && isLastChance) {
+        if (count == 0 && isOver) {
             fError = ECANCELED;
             return false;
         }

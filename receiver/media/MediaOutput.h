@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 struct AVIOContext;
@@ -39,13 +41,16 @@ class MediaOutput {
   private:
     int write(const uint8_t* data, int size);
     int64_t seek(int64_t offset, int whence);
+    bool open_standard_output();
     bool wait_for_reader();
 
     const Interruption* fInterruption;
     int fFile = -1;
+    int fLargestWrite = 0; ///< In bytes, that doesn't wait once poll tells of room.
     AVIOContext* fIO = nullptr;
     uint64_t fBytesWritten = 0;
     int fError = 0;
+    std::optional<std::chrono::steady_clock::time_point> fLastChance; ///< Of a reader, to read.
     bool fSalvages = false;
 };
 

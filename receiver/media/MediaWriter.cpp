@@ -64,11 +64,11 @@ bool MediaWriter::Open(const std::string& path, bool overwrite, const MediaForma
     av_log_set_level(AV_LOG_QUIET); // Failures are told in one line, here.
     fPath = path;
     fParts = std::make_unique<Parts>(fInterruption);
-    if (!fParts->output.Open(path, overwrite, reason)) {
+    if (!add_tracks(format, width, height, reason) || !fParts->output.Open(path, overwrite, reason)) {
         fParts.reset();
         return false;
     }
-    if (start(format, width, height, reason))
+    if (write_head(reason))
         return true;
     fParts.reset();
     if (path != "-")
@@ -76,7 +76,7 @@ bool MediaWriter::Open(const std::string& path, bool overwrite, const MediaForma
     return false;
 }
 
-bool MediaWriter::start(const MediaFormat& format, int width, int height, std::string& reason) {
+bool MediaWriter::add_tracks(const MediaFormat& format, int width, int height, std::string& reason) {
     AVFormatContext* muxer = nullptr;
     if (avformat_alloc_output_context2(&muxer, nullptr, muxer_name(format), nullptr) < 0) {
         reason = std::string("the FFmpeg libraries of this machine can't write ") + muxer_name(format);
@@ -84,16 +84,18 @@ bool MediaWriter::start(const MediaFormat& format, int width, int height, std::s
     }
     fParts->muxer.reset(muxer);
     fParts->format = format;
-    muxer->pb = fParts->output.IO();
     muxer->flags |= AVFMT_FLAG_CUSTOM_IO;
     muxer->max_interleave_delta = kLongestWait;
     if (fPath == "-")
         muxer->flags |= AVFMT_FLAG_FLUSH_PACKETS; // Somebody is watching.
-    if ((format.hasPictures && !fParts->pictures.Open(*muxer, format, width, height, reason)) ||
-        (format.hasSound && !fParts->sound.Open(*muxer, format, reason)))
-        return false;
-    AVDictionary* options = muxer_options(format);
-    const int error = avformat_write_header(muxer, &options);
+    return (!format.hasPictures || fParts->pictures.Open(*muxer, format, width, height, reason)) &&
+           (!format.hasSound || fParts->sound.Open(*muxer, format, reason));
+}
+
+bool MediaWriter::write_head(std::string& reason) {
+    fParts->muxer->pb = fParts->output.IO();
+    AVDictionary* options = muxer_options(fParts->format);
+    const int error = avformat_write_header(fParts->muxer.get(), &options);
     av_dict_free(&options);
     if (error < 0)
         reason = fPath + ": " + LibavError(error);

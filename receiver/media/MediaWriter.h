@@ -25,7 +25,8 @@ class MediaWriter {
     MediaWriter(const MediaWriter&) = delete;
     MediaWriter& operator=(const MediaWriter&) = delete;
 
-    /// Begins with the size of the first picture. False with a reason, and no file is left behind.
+    /// Begins with the size of the first picture. False with a reason, and no file is left behind; one that
+    /// was to be overwritten stays unless the new one can't be written.
     bool Open(const std::string& path, bool overwrite, const MediaFormat& format, int width, int height,
               std::string& reason);
     bool IsOpen() const { return fParts != nullptr; }
@@ -57,7 +58,8 @@ class MediaWriter {
   private:
     struct Parts;
 
-    bool start(const MediaFormat& format, int width, int height, std::string& reason);
+    bool add_tracks(const MediaFormat& format, int width, int height, std::string& reason);
+    bool write_head(std::string& reason);
     bool check(int error);
 
     const Interruption* fInterruption;

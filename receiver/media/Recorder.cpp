@@ -123,9 +123,10 @@ bool Recorder::take_picture() {
     const Canvas& canvas = fStream.Picture();
     if (!fWriter.SetPicture(compose(pointer), canvas.Width(), canvas.Height(), canvas.RowBytes()))
         return false;
-    if (has_constant_rate())
-        return true; // It is written when it is due.
-    return fWriter.WritePicture(fTimeline.At(capture_time(isNew)));
+    const int64_t time = fTimeline.At(capture_time(isNew));
+    if (has_constant_rate() || time > last_time())
+        return true; // It is written when it is due, or never.
+    return fWriter.WritePicture(time);
 }
 
 /// By the server's clock. Without a new picture it is the pointer that moved, since the reply before.
@@ -177,7 +178,8 @@ bool Recorder::fill(Clock::time_point now) {
     // A reader who was stuck gets no flood of large pictures.
     const bool makesUp = has_constant_rate() || fSettings.format.IsCompressed();
     if (fSettings.format.hasPictures)
-        for (int64_t due = next_picture_time(); due <= time; due = next_picture_time())
+        for (int64_t due = next_picture_time(); due <= time && !fInterruption.IsRaised();
+             due = next_picture_time())
             if (!fWriter.WritePicture(makesUp ? due : time))
                 return false;
     return fWriter.AdvanceSound(time);

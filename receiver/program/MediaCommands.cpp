@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <unistd.h>
 
@@ -112,31 +111,29 @@ int run(const Client& client, Recorder::Settings settings, bool json) {
     return end == Recorder::End::kNoPicture ? Client::Fail(recorder.Failure()) : Client::kSuccess;
 }
 
-/// Unlike the library's own check, it takes no "nan".
-CLI::Validator within(double least, double most) {
-    const auto check = [least, most](const std::string& text) {
-        char* end = nullptr;
-        const double value = std::strtod(text.c_str(), &end);
-        if (*end == '\0' && value >= least && value <= most)
-            return std::string();
-        char bounds[80];
-        snprintf(bounds, sizeof bounds, " is no number from %g to %g", least, most);
-        return text + bounds;
-    };
-    return CLI::Validator(check, "");
+/// An option without a value that makes something false.
+CLI::Option* add_switch_off(CLI::App& command, const char* name, bool& target, const char* description) {
+    return command.add_flag_callback(
+        name, [&target] { target = false; }, description);
 }
 
 /// What both commands can be told.
 void add_common(CLI::App& command, Recorder::Settings& settings) {
     Client::AddServer(command, settings.stream.server);
-    command.add_option("--rate", settings.format.rate, "Polls a second: the most pictures that there can be")
-        ->check(within(1, 240))
-        ->capture_default_str();
-    command.add_option("--quality", settings.stream.quality, "Of the pictures that the server sends")
+    command
+        .add_option("--rate", settings.format.rate,
+                    "Polls a second: the most pictures that there can be. Default: 60")
+        ->check(Client::Within(1, 240))
+        ->option_text("N");
+    command
+        .add_option("--quality", settings.stream.quality,
+                    "Of the pictures that the server sends. Default: " + settings.stream.quality)
         ->check(CLI::IsMember({"low", "normal", "high"}))
-        ->capture_default_str();
-    command.add_option("--duration", settings.seconds, "Seconds; else until Ctrl-C")->check(within(0.1, 1e7));
-    command.add_flag("!--no-pointer", settings.hasPointer, "Leave the pointer out");
+        ->option_text("low|normal|high");
+    command.add_option("--duration", settings.seconds, "Else until Ctrl-C")
+        ->check(Client::Within(0.1, 1e7))
+        ->option_text("SECONDS");
+    add_switch_off(command, "--no-pointer", settings.hasPointer, "Leave the pointer out");
 }
 
 // ---- record ----
@@ -166,17 +163,20 @@ void add_record(CLI::App& program, Client& client) {
     const auto json = std::make_shared<bool>(false);
     settings->stream.quality = "high";
     add_common(*command, *settings);
-    command->add_option("-o,--output", settings->path, "FILE.mkv or FILE.mp4, with H.264 and AAC")
+    command->add_option("-o,--output", settings->path, "With H.264 and AAC; required")
         ->required()
+        ->option_text("FILE.mkv|FILE.mp4")
         ->check([settings](const std::string& path) {
             return container_of(path, settings->format.container) ? std::string()
                                                                   : path + " is neither .mkv nor .mp4";
         });
     command->add_flag("--overwrite", settings->overwrite, "Replace the file if there is one");
-    command->add_option("--crf", settings->format.crf, "Of H.264, 0 to 51: lower is better and larger")
+    command
+        ->add_option("--crf", settings->format.crf,
+                     "Of H.264, 0 to 51: lower is better and larger. Default: 20")
         ->check(CLI::Range(0, 51))
-        ->capture_default_str();
-    command->add_flag("!--no-sound", settings->format.hasSound, "Record the pictures alone");
+        ->option_text("N");
+    add_switch_off(*command, "--no-sound", settings->format.hasSound, "Record the pictures alone");
     command->add_flag("--json", *json, "Print what was recorded as JSON, at the end");
     command->callback([&client, settings, json] {
         client.command = [&client, settings, json] { return record(client, *settings, *json); };
@@ -201,19 +201,20 @@ void add_format(CLI::App& command, MediaFormat& format) {
     command
         .add_option_function<std::string>(
             "--format", takeFormat,
-            "nut, or raw: nothing but the pixels at --rate, or the samples (s16le, 44100 Hz, stereo)")
+            "Raw: nothing but the pixels at --rate, or the samples (s16le, 44100 Hz, stereo). Default: nut")
         ->check(CLI::IsMember({"nut", "raw"}))
-        ->default_str("nut");
+        ->option_text("nut|raw");
     const auto takePixels = [&format](const std::string& name) {
         if (name == "yuv420p")
             format.pixels = MediaFormat::Pixels::kYUV420P;
     };
     command
-        .add_option_function<std::string>("--pixels", takePixels, "bgr0, or yuv420p: smaller, less colour")
+        .add_option_function<std::string>("--pixels", takePixels,
+                                          "yuv420p: smaller, less colour. Default: bgr0")
         ->check(CLI::IsMember({"bgr0", "yuv420p"}))
-        ->default_str("bgr0");
-    CLI::Option* pictures = command.add_flag("!--video-only", format.hasSound, "No sound");
-    command.add_flag("!--audio-only", format.hasPictures, "No pictures")->excludes(pictures);
+        ->option_text("bgr0|yuv420p");
+    CLI::Option* pictures = add_switch_off(command, "--video-only", format.hasSound, "No sound");
+    add_switch_off(command, "--audio-only", format.hasPictures, "No pictures")->excludes(pictures);
 }
 
 void add_pipe(CLI::App& program, Client& client) {

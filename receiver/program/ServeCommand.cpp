@@ -61,7 +61,8 @@ void add_options(CLI::App& command, Gateway::Settings& settings) {
     command.add_option("--rate", settings.stream.rate, "Polls a second while somebody watches. Default: 60")
         ->check(CLI::Range(1.0, 240.0))
         ->option_text("N");
-    command.add_flag("!--no-sound", settings.stream.withSound, "Leave the sound to another client");
+    command.add_flag_callback(
+        "--no-sound", [&settings] { settings.stream.withSound = false; }, "Leave the sound to other clients");
 }
 
 } // namespace

@@ -66,4 +66,21 @@ TEST(Timeline, GoesOnWhenTheServerIsAwayAndJoinsOnToANewOne) {
     EXPECT_EQ(timeline.Now(begin + 5'020ms), 5'005'000) << "a clock that jumps makes no hours of silence";
 }
 
+TEST(Timeline, IsNeverFarAheadOfThisMachineWhateverAServerSays) {
+    Timeline timeline;
+    const Timeline::Clock::time_point begin{1h};
+    timeline.Note(kStart, begin, false);
+    timeline.Note(kStart, begin + 3s, false); // This one was late by 3 s,
+    timeline.Note(kStart + 3'020'000, begin + 3020ms, false);
+    EXPECT_EQ(timeline.At(kStart + 3'020'000), 3'020'000) << "which loses no time";
+    for (int64_t step = 1; step <= 1000; ++step) {
+        const auto now = begin + 4s + step * 16ms;
+        timeline.Note(kStart + 4'000'000 + step * 9'900'000, now, false);
+        ASSERT_LT(timeline.Now(now), 4'000'000 + step * 16'000 + 200'000);
+    }
+    timeline.Note(kStart, begin + 1h, false);
+    timeline.Note(kStart, begin + 2h, false);
+    EXPECT_GT(timeline.Now(begin + 2h), 7'150'000'000) << "nor far behind, though its clock stands still";
+}
+
 } // namespace

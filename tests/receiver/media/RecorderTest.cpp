@@ -109,6 +109,8 @@ TEST_F(RecorderTest, KeepsThePictureWhilePausedAndTheTimeWhenTheClockBeginsAnew)
 TEST_F(RecorderTest, LeavesNothingBehindWhenNoPictureComes) {
     EXPECT_EQ(Record([](int) { return muted(); }), Recorder::End::kNoPicture);
     EXPECT_THAT(failure, HasSubstr("the source is paused"));
+    EXPECT_EQ(Record([](int) { return std::string("what?\r\n\r\n"); }), Recorder::End::kNoPicture);
+    EXPECT_THAT(failure, HasSubstr("127.0.0.1"));
     EXPECT_FALSE(std::filesystem::exists(Path()));
 }
 
