@@ -15,6 +15,7 @@ bool MediaEncoder::Open(AVFormatContext& muxer, LibavPointer<AVCodecContext> cod
     }
     if (muxer.oformat->flags & AVFMT_GLOBALHEADER)
         codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    const std::string name = codec->codec->name; // A codec that can't be opened loses it.
     fPacket.reset(av_packet_alloc());
     int error = fPacket ? avcodec_open2(codec.get(), nullptr, options) : AVERROR(ENOMEM);
     AVStream* stream = error < 0 ? nullptr : avformat_new_stream(&muxer, nullptr);
@@ -26,7 +27,7 @@ bool MediaEncoder::Open(AVFormatContext& muxer, LibavPointer<AVCodecContext> cod
         error = AVERROR(ENOMEM);
     }
     if (error < 0) {
-        reason = std::string(codec->codec->name) + " can't encode this: " + LibavError(error);
+        reason = name + " can't encode this: " + LibavError(error);
         return false;
     }
     fMuxer = &muxer;

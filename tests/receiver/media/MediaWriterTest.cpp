@@ -1,6 +1,6 @@
 // What comes in any shape and at any time makes a file that players can follow.
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "MediaFile.h"
 #include "MediaWriter.h"
@@ -66,6 +66,14 @@ TEST_F(MediaWriterTest, TakesTheSmallestPicture) {
     EXPECT_EQ(file.width, 2);
     EXPECT_EQ(file.shots.size(), 1U);
     EXPECT_NEAR(file.SoundEnd(), 0.5, 0.03) << "the sound that never came is silence";
+}
+
+TEST_F(MediaWriterTest, KeepsTheOldFileWhenTheNewOneCannotBeEncoded) {
+    folder.Write("recording", "kept");
+    std::string reason;
+    EXPECT_FALSE(writer.Open(Path(), true, MediaFormat(), 100'000, 2, reason));
+    EXPECT_THAT(reason, testing::HasSubstr("libx264"));
+    EXPECT_EQ(folder.Read("recording"), "kept");
 }
 
 TEST_F(MediaWriterTest, PutsSoundWhereItBelongs) {
