@@ -50,12 +50,16 @@ class ConfigurableSnapshotTest : public testing::Test {
         front.AddDevice("left", left);
         front.AddDevice("right", right);
     }
+    ~ConfigurableSnapshotTest() override {
+        if (buffer)
+            buffer->Release();
+    }
 
     NotingDevice* left = new NotingDevice(zRect(0, 0, 1023, 767));
     NotingDevice* right = new NotingDevice(zRect(1024, 0, 2303, 1023));
     vnConfigurableSnapshot front;
     ScriptedFocus focus;
-    vnSnapshotBuffer* buffer = nullptr; ///< Never filled.
+    vnSnapshotBuffer* buffer = nullptr; ///< One reference, once there is one. Never filled.
 };
 
 TEST_F(ConfigurableSnapshotTest, TurnsAFocusAndACropIntoInsetsOfTheDevice) {
